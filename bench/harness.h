@@ -1,0 +1,54 @@
+#pragma once
+// Shared pieces of the benchmarks: buffer sizes, kernel regimes chosen
+// through the public setopt, and the byte counters.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <vector>
+
+#include "read_baseline.h"
+#include "zolvex_m.h"
+
+namespace bench {
+
+// 4 KiB (L1), 256 KiB (L2), 64 MiB (memory): bytes of one input array.
+inline const std::vector<int64_t> kSizes = {4 << 10, 256 << 10, 64 << 20};
+
+enum Regime : int64_t { kGeneric, kSse42, kAvx, kAvx2Fma3, kAvx512 };
+
+inline const char* regime_name(int64_t r) {
+    static const char* names[] = {"generic", "sse42", "avx", "avx2_fma3", "avx512"};
+    return names[r];
+}
+
+// Switches on the options of the regime (and the narrower ones), every other
+// processor option off. Returns false if the processor lacks one.
+inline bool apply_regime(int64_t regime) {
+    static const uint32_t ladder[][6] = {
+        {0},
+        {ZOLVEX_M_OPT_SSE42},
+        {ZOLVEX_M_OPT_SSE42, ZOLVEX_M_OPT_AVX},
+        {ZOLVEX_M_OPT_SSE42, ZOLVEX_M_OPT_AVX, ZOLVEX_M_OPT_AVX2, ZOLVEX_M_OPT_FMA3},
+        {ZOLVEX_M_OPT_SSE42, ZOLVEX_M_OPT_AVX, ZOLVEX_M_OPT_AVX2, ZOLVEX_M_OPT_FMA3, ZOLVEX_M_OPT_AVX512F,
+         ZOLVEX_M_OPT_AVX512CD},
+    };
+    for (uint32_t id : {ZOLVEX_M_OPT_SSE42, ZOLVEX_M_OPT_AVX, ZOLVEX_M_OPT_AVX2, ZOLVEX_M_OPT_FMA3,
+                        ZOLVEX_M_OPT_AVX512F, ZOLVEX_M_OPT_AVX512CD})
+        zolvex_m_setopt(id, 0);
+    for (uint32_t id : ladder[regime])
+        if (id != 0 && zolvex_m_setopt(id, 1) != 0) return false;
+    return true;
+}
+
+// Sets the byte counters after the timing loop: bytes/s and the fraction of
+// the read bandwidth for a buffer of `input_bytes`.
+inline void report_bytes(benchmark::State& state, int64_t input_bytes, double bytes_per_iteration) {
+    double total = bytes_per_iteration * double(state.iterations());
+    state.SetBytesProcessed(static_cast<int64_t>(total));
+    state.counters["vs_read"] =
+        benchmark::Counter(total / read_bandwidth(static_cast<size_t>(input_bytes)), benchmark::Counter::kIsRate);
+}
+
+} // namespace bench

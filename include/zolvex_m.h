@@ -1,0 +1,244 @@
+/*
+ * libzolvex-m: vector mathematics and signal processing for sampled
+ * measurement data (blocks of u8/i16/u16/f32/f64 samples).
+ *
+ * Conventions shared by every function of this header:
+ *  - Every function returns an int32_t status code (ZOLVEX_M_STATUS_*),
+ *    except where its comment says otherwise. No C++ exception ever leaves
+ *    the library.
+ *  - Vector functions take plain pointers and an element count (never a byte
+ *    count): inputs first, then the output, then the count, then constants by
+ *    value. The output may be the same array as an input (in place); arrays
+ *    that overlap at other offsets are not supported.
+ *  - Pointers are not tested for null unless a function says so.
+ *  - A count of 0 returns 0 without touching any pointer.
+ *  - Kernels are chosen from the option flags (see zolvex_m_setopt): the
+ *    widest allowed instruction set wins. Every kernel gives the results of
+ *    the generic (scalar) kernel bit for bit, except where a comment says a
+ *    kernel rounds differently.
+ *
+ * Valid C99 and C++.
+ */
+#ifndef ZOLVEX_M_H
+#define ZOLVEX_M_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#if defined(_WIN32)
+#  if defined(ZOLVEX_M_BUILDING)
+#    define ZOLVEX_M_API __declspec(dllexport)
+#  else
+#    define ZOLVEX_M_API __declspec(dllimport)
+#  endif
+#else
+#  define ZOLVEX_M_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ------------------------------------------------------------------------ */
+/* Status codes                                                             */
+/* ------------------------------------------------------------------------ */
+
+#define ZOLVEX_M_STATUS_SUCCESS            0
+#define ZOLVEX_M_STATUS_FAILED            (-1)
+#define ZOLVEX_M_STATUS_ERROR_DATA_LENGTH (-2)
+#define ZOLVEX_M_STATUS_OUT_OF_MEMORY     (-3)
+#define ZOLVEX_M_STATUS_INVALID_PLAN      (-4)
+#define ZOLVEX_M_STATUS_NULLPTR           (-5)
+
+/* The constant text of a status code ("Success", "Failed", "Error data
+ * length", "Out of memory", "Invalid plan", "nullptr"), or NULL for any value
+ * outside -5..0. The text is statically stored and never freed. */
+ZOLVEX_M_API const char* zolvex_m_status_str(int32_t status);
+
+/* Frees the state block *state (allocated by a stateful function such as a
+ * trigger search) and sets *state to NULL, so a second call frees nothing.
+ * state itself must not be NULL. */
+ZOLVEX_M_API void zolvex_m_state_free(void** state);
+
+/* The library's version, four 16-bit numbers in this memory order. Read it
+ * field by field. */
+typedef struct ZolvexMVersion {
+    uint16_t major;
+    uint16_t minor;
+    uint16_t release;
+    uint16_t build;
+} ZolvexMVersion;
+
+/* Address of the constant version record (0, 38, 5, 2): a ZolvexMVersion.
+ * Needs no initialisation; always the same address. */
+ZOLVEX_M_API const void* zolvex_m_get_version(void);
+
+/* ------------------------------------------------------------------------ */
+/* Initialisation and options                                               */
+/* ------------------------------------------------------------------------ */
+
+/* Option ids. Id 13 does not exist; ids are never renumbered. */
+#define ZOLVEX_M_OPT_SSE        1
+#define ZOLVEX_M_OPT_SSE2       2
+#define ZOLVEX_M_OPT_SSE3       3
+#define ZOLVEX_M_OPT_SSSE3      4
+#define ZOLVEX_M_OPT_SSE41      5
+#define ZOLVEX_M_OPT_SSE42      6
+#define ZOLVEX_M_OPT_AVX        7
+#define ZOLVEX_M_OPT_AVX2       8
+#define ZOLVEX_M_OPT_NEON       9
+#define ZOLVEX_M_OPT_IPP       10
+#define ZOLVEX_M_OPT_FFTW3     11
+#define ZOLVEX_M_OPT_FFTW3F    12
+#define ZOLVEX_M_OPT_FMA3      14
+#define ZOLVEX_M_OPT_AVX512F   15
+#define ZOLVEX_M_OPT_AVX512BW  16
+#define ZOLVEX_M_OPT_AVX512DQ  17
+#define ZOLVEX_M_OPT_AVX512CD  18
+
+/* One row of the option list; the row with id 0 (and a NULL description)
+ * ends it. */
+typedef struct OptionEntry {
+    int32_t id;
+    const char* description;
+} OptionEntry;
+
+/* Brackets all use of the library. Calls nest by reference count: only the
+ * first zolvex_m_init starts the sibling libraries, loads the optional
+ * accelerator, reads the processor's features into the option flags and
+ * chooses the kernels; only the matching last zolvex_m_fini unloads and stops
+ * them. Both return 0.
+ *
+ * Deliberate properties: the option flags keep their values after the last
+ * zolvex_m_fini; and the count is not guarded, so a zolvex_m_fini without an
+ * init wraps it to its all-ones value, after which the next zolvex_m_init
+ * only brings it back to 0 without initialising. */
+ZOLVEX_M_API int32_t zolvex_m_init(void);
+ZOLVEX_M_API int32_t zolvex_m_fini(void);
+
+/* Writes 1 (on) or 0 (off) into *value for a known option id and returns 0;
+ * returns -1 and leaves *value untouched for an unknown id. Needs no init. */
+ZOLVEX_M_API int32_t zolvex_m_getopt(int32_t id, uint32_t* value);
+
+/* Switches an option on (value != 0) or off (value == 0); returns 0 on
+ * success, -1 otherwise:
+ *  - processor options switch on only if the processor (and operating
+ *    system) supports the feature; otherwise the flag is left off and -1
+ *    returned;
+ *  - ZOLVEX_M_OPT_IPP switches on only if zolvex_m_init loaded the
+ *    accelerator library (it is never loaded here);
+ *  - ZOLVEX_M_OPT_FFTW3 / ZOLVEX_M_OPT_FFTW3F load their library on first
+ *    use; switching them off keeps the library loaded;
+ *  - unknown ids (0, 13, above 18) return -1.
+ * After every successful change the kernels are chosen anew. Takes no lock:
+ * changing options while other threads call the library is the caller's
+ * responsibility (a running call may use the old or the new kernel). */
+ZOLVEX_M_API int32_t zolvex_m_setopt(uint32_t id, int32_t value);
+
+/* The static option list, in the order 1..8, 15, 18, 16, 17, 14, 9..12, then
+ * the end row {0, NULL}. Never fails. */
+ZOLVEX_M_API const OptionEntry* zolvex_m_getopt_list(void);
+
+/* ------------------------------------------------------------------------ */
+/* Element-wise arithmetic                                                  */
+/* ------------------------------------------------------------------------ */
+/* Each result is rounded to the element type. Division by zero, overflow and
+ * NaN follow IEEE arithmetic. All return 0, except mulc/divc with the
+ * ZOLVEX_M_OPT_IPP option on (then -1 if the accelerator reports an error,
+ * and a count of 0 is judged by the accelerator). */
+
+/* out[i] = x[i] + y[i], - , *, / */
+ZOLVEX_M_API int32_t zolvex_m_add_f32(const float* x, const float* y, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_add_f64(const double* x, const double* y, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_sub_f32(const float* x, const float* y, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_sub_f64(const double* x, const double* y, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_mul_f32(const float* x, const float* y, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_mul_f64(const double* x, const double* y, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_div_f32(const float* x, const float* y, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_div_f64(const double* x, const double* y, double* out, uint32_t n);
+
+/* out[i] = x[i] + c, x[i] - c, c - x[i], x[i] * c, x[i] / c, c / x[i] */
+ZOLVEX_M_API int32_t zolvex_m_addc_f32(const float* x, float* out, uint32_t n, float c);
+ZOLVEX_M_API int32_t zolvex_m_addc_f64(const double* x, double* out, uint32_t n, double c);
+ZOLVEX_M_API int32_t zolvex_m_subc_f32(const float* x, float* out, uint32_t n, float c);
+ZOLVEX_M_API int32_t zolvex_m_subc_f64(const double* x, double* out, uint32_t n, double c);
+ZOLVEX_M_API int32_t zolvex_m_csub_f32(const float* x, float* out, uint32_t n, float c);
+ZOLVEX_M_API int32_t zolvex_m_csub_f64(const double* x, double* out, uint32_t n, double c);
+ZOLVEX_M_API int32_t zolvex_m_mulc_f32(const float* x, float* out, uint32_t n, float c);
+ZOLVEX_M_API int32_t zolvex_m_mulc_f64(const double* x, double* out, uint32_t n, double c);
+ZOLVEX_M_API int32_t zolvex_m_divc_f32(const float* x, float* out, uint32_t n, float c);
+ZOLVEX_M_API int32_t zolvex_m_divc_f64(const double* x, double* out, uint32_t n, double c);
+ZOLVEX_M_API int32_t zolvex_m_cdiv_f32(const float* x, float* out, uint32_t n, float c);
+ZOLVEX_M_API int32_t zolvex_m_cdiv_f64(const double* x, double* out, uint32_t n, double c);
+
+/* out[i] = fmod(x[i], c): the remainder with the sign of x[i]; c = 0 gives
+ * NaN. */
+ZOLVEX_M_API int32_t zolvex_m_modc_f32(const float* x, float* out, uint32_t n, float c);
+ZOLVEX_M_API int32_t zolvex_m_modc_f64(const double* x, double* out, uint32_t n, double c);
+
+/* out[i] = x[i] * m + a. With the AVX2 and FMA3 options both on, a fused
+ * multiply-add computes it with one rounding (the last bit may then differ
+ * from the other kernels, which round the product and then the sum). */
+ZOLVEX_M_API int32_t zolvex_m_mulc_addc_f32(const float* x, float* out, uint32_t n, float m, float a);
+ZOLVEX_M_API int32_t zolvex_m_mulc_addc_f64(const double* x, double* out, uint32_t n, double m, double a);
+
+/* out[i] = |x[i]| (the sign bit cleared: -0.0 gives +0.0, NaN stays NaN). */
+ZOLVEX_M_API int32_t zolvex_m_abs_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_abs_f64(const double* x, double* out, uint32_t n);
+
+/* out[i] = value */
+ZOLVEX_M_API int32_t zolvex_m_set_u8(uint8_t* out, uint32_t n, uint8_t value);
+ZOLVEX_M_API int32_t zolvex_m_set_i16(int16_t* out, uint32_t n, int16_t value);
+ZOLVEX_M_API int32_t zolvex_m_set_u16(uint16_t* out, uint32_t n, uint16_t value);
+ZOLVEX_M_API int32_t zolvex_m_set_u32(uint32_t* out, uint32_t n, uint32_t value);
+ZOLVEX_M_API int32_t zolvex_m_set_f32(float* out, uint32_t n, float value);
+ZOLVEX_M_API int32_t zolvex_m_set_f64(double* out, uint32_t n, double value);
+
+/* ------------------------------------------------------------------------ */
+/* Conversions                                                              */
+/* ------------------------------------------------------------------------ */
+/* out[i] = x[i] converted to the output type, rounded to nearest (ties to
+ * even) where the value is not exactly representable: integers wider than the
+ * float's significand (i32/u32/i64/u64 to f32, i64/u64 to f64) and f64 to
+ * f32. f64 values beyond the f32 range give an infinity of their sign; NaN
+ * stays NaN. Every input value has a defined result. Returns 0.
+ * The u8 and u16 conversions have SSE4.2, AVX, AVX2 (with FMA3) and AVX-512
+ * (F with CD) kernels; all conversions are exact for those types. */
+ZOLVEX_M_API int32_t zolvex_m_convert_i8f32(const int8_t* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_i16f32(const int16_t* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_i32f32(const int32_t* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_i64f32(const int64_t* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_u8f32(const uint8_t* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_u16f32(const uint16_t* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_u32f32(const uint32_t* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_u64f32(const uint64_t* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_i8f64(const int8_t* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_i16f64(const int16_t* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_i32f64(const int32_t* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_i64f64(const int64_t* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_u8f64(const uint8_t* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_u16f64(const uint16_t* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_u32f64(const uint32_t* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_u64f64(const uint64_t* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_f32f64(const float* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_convert_f64f32(const double* x, float* out, uint32_t n);
+
+/* ------------------------------------------------------------------------ */
+/* Shift right and clip                                                     */
+/* ------------------------------------------------------------------------ */
+/* out[i] = min(max(x[i] >> shift, low), high): a logical right shift, then a
+ * clamp to [low, high]. A shift of the element width or more gives 0 before
+ * the clamp. If low > high every element becomes high. Typical use: bring
+ * raw ADC codes to a smaller range (e.g. 12-bit codes in 16-bit words to 8
+ * bits) and keep them inside a display window. Returns 0.
+ * Kernels: SSE4.2, and AVX2 (with FMA3). */
+ZOLVEX_M_API int32_t zolvex_m_shr_clip_u8(const uint8_t* x, uint8_t* out, uint32_t n,
+                                          uint32_t shift, uint8_t low, uint8_t high);
+ZOLVEX_M_API int32_t zolvex_m_shr_clip_u16(const uint16_t* x, uint16_t* out, uint32_t n,
+                                           uint32_t shift, uint16_t low, uint16_t high);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ZOLVEX_M_H */

@@ -1,0 +1,7 @@
+// PLACEHOLDER: to be replaced by the real sse42 kernels.
+#include "elementwise/convert_kernels.h"
+namespace elementwise::sse42 {
+#define ZOLVEX_M_PLACEHOLDER(is, In, os, Out) \
+    void convert_##is##os(const In* x, Out* out, uint32_t n) noexcept { for (uint32_t i = 0; i < n; ++i) out[i] = static_cast<Out>(x[i]); }
+ZOLVEX_M_VECTOR_CONVERSIONS(ZOLVEX_M_PLACEHOLDER)
+}

@@ -1,0 +1,55 @@
+#pragma once
+// Random test vectors, reproducible from a seed.
+
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <type_traits>
+#include <vector>
+
+namespace testing_support {
+
+// Values spread over the whole range of an integer type; for floating
+// types a mix of ordinary magnitudes, zeros of both signs, infinities, NaN
+// and subnormals.
+template <class T>
+std::vector<T> random_vector(size_t n, uint32_t seed) {
+    std::mt19937_64 rng(seed);
+    std::vector<T> v(n);
+    if constexpr (std::is_integral_v<T>) {
+        // Random bits cover the whole range of any integer type.
+        for (auto& x : v) x = static_cast<T>(rng());
+    } else {
+        std::uniform_real_distribution<double> value(-1e3, 1e3);
+        std::uniform_int_distribution<int> special(0, 63);
+        for (auto& x : v) {
+            switch (special(rng)) {
+            case 0: x = T(0); break;
+            case 1: x = -T(0); break;
+            case 2: x = std::numeric_limits<T>::infinity(); break;
+            case 3: x = -std::numeric_limits<T>::infinity(); break;
+            case 4: x = std::numeric_limits<T>::quiet_NaN(); break;
+            case 5: x = std::numeric_limits<T>::denorm_min() * T(7); break;
+            default: x = static_cast<T>(value(rng)); break;
+            }
+        }
+    }
+    return v;
+}
+
+// The lengths every differential test walks: 0..300 and a few large ones.
+inline std::vector<uint32_t> test_lengths() {
+    std::vector<uint32_t> lengths;
+    for (uint32_t n = 0; n <= 300; ++n) lengths.push_back(n);
+    for (uint32_t n : {1023u, 4096u, 65537u}) lengths.push_back(n);
+    return lengths;
+}
+
+// Bit-exact comparison that treats two NaNs with the same bits as equal.
+template <class T>
+bool same_bits(T a, T b) {
+    static_assert(std::is_trivially_copyable_v<T>);
+    return __builtin_memcmp(&a, &b, sizeof(T)) == 0;
+}
+
+} // namespace testing_support

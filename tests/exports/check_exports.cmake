@@ -1,3 +1,4 @@
+cmake_policy(VERSION 3.25)
 # Fails unless the shared library's dynamic symbol table defines exactly the
 # zolvex_m_ functions that the public header declares.
 execute_process(COMMAND nm -D --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols RESULT_VARIABLE rc)

@@ -1,3 +1,4 @@
+cmake_policy(VERSION 3.25)
 # Installs the built tree into a scratch prefix, then configures, builds and
 # runs the same small consumer twice: through find_package(zolvex-m) and
 # through pkg-config.

@@ -32,7 +32,7 @@ void print_options() {
 std::vector<uint16_t> generate_adc_codes(uint32_t n) {
     std::vector<uint16_t> codes(n);
     for (uint32_t i = 0; i < n; ++i) {
-        double volts = 0.2 + 0.9 * std::sin(2.0 * M_PI * 1000.0 * i / 1e6);
+        double volts = 0.2 + 0.7 * std::sin(2.0 * M_PI * 1000.0 * i / 1e6);
         double code = std::round((volts + 1.0) / 2.0 * 4095.0);
         codes[i] = static_cast<uint16_t>(code < 0 ? 0 : code > 4095 ? 4095 : code);
     }
@@ -68,7 +68,7 @@ int run_demo() {
     double mean = 0;
     for (float m : magnitude) mean += m;
     mean /= n;
-    std::printf("  mean |AC| = %.4f V (a 0.9 V sine gives %.4f V)\n", mean, 0.9 * 2 / M_PI);
+    std::printf("  mean |AC| = %.4f V (a 0.7 V sine gives %.4f V)\n", mean, 0.7 * 2 / M_PI);
 
     std::vector<uint16_t> display(n);
     zolvex_m_shr_clip_u16(codes.data(), display.data(), n, 4, 16, 239);

@@ -1,5 +1,6 @@
 // Element-wise arithmetic and conversions, per kernel regime and buffer size.
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -10,15 +11,21 @@ namespace {
 
 void BM_read_baseline(benchmark::State& state) {
     int64_t bytes = state.range(0);
-    std::vector<uint8_t> buffer(static_cast<size_t>(bytes), 1);
+    Buffer<uint8_t> buffer(static_cast<size_t>(bytes), 1);
+    auto start = std::chrono::steady_clock::now();
     for (auto _ : state) benchmark::DoNotOptimize(read_all(buffer.data(), static_cast<size_t>(bytes)));
+    std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    // Registered first, so every later benchmark of this size compares
+    // with this very measurement.
+    record_read_bandwidth(static_cast<size_t>(bytes), double(bytes) * double(state.iterations()) / elapsed.count());
     report_bytes(state, bytes, double(bytes));
 }
 
 template <class T>
 void BM_add(benchmark::State& state, int32_t (*add)(const T*, const T*, T*, uint32_t)) {
+    if (!apply_regime(state.range(1))) return state.SkipWithError("regime not supported");
     uint32_t n = static_cast<uint32_t>(state.range(0) / int64_t(sizeof(T)));
-    std::vector<T> x(n, T(1.5)), y(n, T(2.5)), out(n);
+    Buffer<T> x(n, T(1.5)), y(n, T(2.5)), out(n);
     for (auto _ : state) {
         add(x.data(), y.data(), out.data(), n);
         benchmark::ClobberMemory();
@@ -30,7 +37,7 @@ template <class T>
 void BM_unary(benchmark::State& state, int32_t (*function)(const T*, T*, uint32_t)) {
     if (!apply_regime(state.range(1))) return state.SkipWithError("regime not supported");
     uint32_t n = static_cast<uint32_t>(state.range(0) / int64_t(sizeof(T)));
-    std::vector<T> x(n, T(-1.5)), out(n);
+    Buffer<T> x(n, T(-1.5)), out(n);
     for (auto _ : state) {
         function(x.data(), out.data(), n);
         benchmark::ClobberMemory();
@@ -40,8 +47,9 @@ void BM_unary(benchmark::State& state, int32_t (*function)(const T*, T*, uint32_
 
 template <class T>
 void BM_mulc(benchmark::State& state, int32_t (*mulc)(const T*, T*, uint32_t, T)) {
+    if (!apply_regime(state.range(1))) return state.SkipWithError("regime not supported");
     uint32_t n = static_cast<uint32_t>(state.range(0) / int64_t(sizeof(T)));
-    std::vector<T> x(n, T(1.5)), out(n);
+    Buffer<T> x(n, T(1.5)), out(n);
     for (auto _ : state) {
         mulc(x.data(), out.data(), n, T(0.25));
         benchmark::ClobberMemory();
@@ -53,7 +61,7 @@ template <class T>
 void BM_mulc_addc(benchmark::State& state, int32_t (*mulc_addc)(const T*, T*, uint32_t, T, T)) {
     if (!apply_regime(state.range(1))) return state.SkipWithError("regime not supported");
     uint32_t n = static_cast<uint32_t>(state.range(0) / int64_t(sizeof(T)));
-    std::vector<T> x(n, T(1.5)), out(n);
+    Buffer<T> x(n, T(1.5)), out(n);
     for (auto _ : state) {
         mulc_addc(x.data(), out.data(), n, T(0.25), T(-1));
         benchmark::ClobberMemory();
@@ -65,8 +73,8 @@ template <class In>
 void BM_convert(benchmark::State& state, int32_t (*convert)(const In*, float*, uint32_t)) {
     if (!apply_regime(state.range(1))) return state.SkipWithError("regime not supported");
     uint32_t n = static_cast<uint32_t>(state.range(0) / int64_t(sizeof(In)));
-    std::vector<In> x(n, In(200));
-    std::vector<float> out(n);
+    Buffer<In> x(n, In(200));
+    Buffer<float> out(n);
     for (auto _ : state) {
         convert(x.data(), out.data(), n);
         benchmark::ClobberMemory();
@@ -87,10 +95,10 @@ void sizes_and(benchmark::internal::Benchmark* b, std::initializer_list<Regime> 
 // Regime numbers in the names: 0 generic, 1 sse42, 2 avx, 3 avx2_fma3, 4 avx512.
 const bool registered = [] {
     sizes(benchmark::RegisterBenchmark("read_baseline", BM_read_baseline));
-    sizes(benchmark::RegisterBenchmark("add_f32", BM_add<float>, zolvex_m_add_f32));
-    sizes(benchmark::RegisterBenchmark("add_f64", BM_add<double>, zolvex_m_add_f64));
-    sizes(benchmark::RegisterBenchmark("mulc_f32", BM_mulc<float>, zolvex_m_mulc_f32));
-    sizes(benchmark::RegisterBenchmark("mulc_f64", BM_mulc<double>, zolvex_m_mulc_f64));
+    sizes_and(benchmark::RegisterBenchmark("add_f32", BM_add<float>, zolvex_m_add_f32), {kGeneric, kAvx, kAvx512});
+    sizes_and(benchmark::RegisterBenchmark("add_f64", BM_add<double>, zolvex_m_add_f64), {kGeneric, kAvx, kAvx512});
+    sizes_and(benchmark::RegisterBenchmark("mulc_f32", BM_mulc<float>, zolvex_m_mulc_f32), {kGeneric, kAvx, kAvx512});
+    sizes_and(benchmark::RegisterBenchmark("mulc_f64", BM_mulc<double>, zolvex_m_mulc_f64), {kGeneric, kAvx, kAvx512});
     sizes_and(benchmark::RegisterBenchmark("mulc_addc_f32", BM_mulc_addc<float>, zolvex_m_mulc_addc_f32),
               {kGeneric, kSse42, kAvx2Fma3});
     sizes_and(benchmark::RegisterBenchmark("mulc_addc_f64", BM_mulc_addc<double>, zolvex_m_mulc_addc_f64),

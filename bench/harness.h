@@ -5,6 +5,8 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <cstdlib>
+#include <new>
 #include <initializer_list>
 #include <vector>
 
@@ -41,6 +43,27 @@ inline bool apply_regime(int64_t regime) {
         if (id != 0 && zolvex_m_setopt(id, 1) != 0) return false;
     return true;
 }
+
+// A buffer aligned to 64 bytes, as an instrument's DMA buffers and the
+// accelerator's allocator give them. The contents start zeroed.
+template <class T>
+class Buffer {
+public:
+    explicit Buffer(size_t n, T value = T{}) : n_(n), data_(static_cast<T*>(std::aligned_alloc(64, round_up(n)))) {
+        if (!data_) throw std::bad_alloc();
+        for (size_t i = 0; i < n; ++i) data_[i] = value;
+    }
+    ~Buffer() { std::free(data_); }
+    Buffer(const Buffer&) = delete;
+    Buffer& operator=(const Buffer&) = delete;
+    T* data() { return data_; }
+    size_t size() const { return n_; }
+
+private:
+    static size_t round_up(size_t n) { return (n * sizeof(T) + 63) / 64 * 64; }
+    size_t n_;
+    T* data_;
+};
 
 // Sets the byte counters after the timing loop: bytes/s and the fraction of
 // the read bandwidth for a buffer of `input_bytes`.

@@ -41,11 +41,19 @@ uint64_t read_all(const void* data, size_t bytes) {
     return avx2 ? read_all_avx2(data, bytes) : read_all_scalar(data, bytes);
 }
 
+namespace {
+std::mutex g_mutex;
+std::map<size_t, double> g_bandwidth;
+} // namespace
+
+void record_read_bandwidth(size_t bytes, double bytes_per_second) {
+    std::lock_guard<std::mutex> lock(g_mutex);
+    g_bandwidth[bytes] = bytes_per_second;
+}
+
 double read_bandwidth(size_t bytes) {
-    static std::mutex mutex;
-    static std::map<size_t, double> cache;
-    std::lock_guard<std::mutex> lock(mutex);
-    if (auto it = cache.find(bytes); it != cache.end()) return it->second;
+    std::lock_guard<std::mutex> lock(g_mutex);
+    if (auto it = g_bandwidth.find(bytes); it != g_bandwidth.end()) return it->second;
 
     std::vector<uint8_t> buffer(bytes, 1);
     volatile uint64_t sink = read_all(buffer.data(), bytes);  // warm up
@@ -57,7 +65,7 @@ double read_bandwidth(size_t bytes) {
         std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         best = std::max(best, double(bytes) * double(rounds) / elapsed.count());
     }
-    return cache[bytes] = best;
+    return g_bandwidth[bytes] = best;
 }
 
 } // namespace bench

@@ -13,8 +13,10 @@ namespace bench {
 // on all of them, so the reads cannot be optimised away.
 uint64_t read_all(const void* data, size_t bytes);
 
-// Best-of-several read bandwidth in bytes per second for a buffer of
-// `bytes` bytes, measured once per size and cached.
+// Read bandwidth in bytes per second for a buffer of `bytes` bytes: the
+// rate the read_baseline benchmark recorded in this run, or, when a filter
+// left it out, a best-of-several measurement taken on first use.
 double read_bandwidth(size_t bytes);
+void record_read_bandwidth(size_t bytes, double bytes_per_second);
 
 } // namespace bench

@@ -1,24 +1,9 @@
 #include "elementwise/abs.h"
 
-#include <cmath>
-
 #include "core/options.h"
 #include "zolvex_m.h"
 
 namespace elementwise {
-
-namespace generic {
-
-// std::fabs clears the sign bit, which is what the vector kernels do too.
-template <class T>
-static void abs_loop(const T* x, T* out, uint32_t n) noexcept {
-    for (uint32_t i = 0; i < n; ++i) out[i] = std::fabs(x[i]);
-}
-
-void abs_f32(const float* x, float* out, uint32_t n) noexcept { abs_loop(x, out, n); }
-void abs_f64(const double* x, double* out, uint32_t n) noexcept { abs_loop(x, out, n); }
-
-} // namespace generic
 
 // Valid before the first init: the generic kernels need nothing.
 AbsKernels g_abs_kernels = {{generic::abs_f32}, {generic::abs_f64}};

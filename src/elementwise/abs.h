@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "elementwise/abs_kernels.h"
+#include "elementwise/arith_kernels.h"
 
 namespace elementwise {
 

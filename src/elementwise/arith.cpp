@@ -1,33 +1,27 @@
-// The exported element-wise arithmetic: one macro per family stamps out the
-// f32 and f64 entry points of each operation.
-
-#include "elementwise/arith.h"
+// The exported element-wise arithmetic. Each call picks the widest kernel
+// the option flags allow (AVX-512F with CD, then AVX, then generic); one
+// macro per family stamps out the f32 and f64 entry points.
 
 #include <cmath>
+#include <cstdint>
 #include <cstring>
-#include <functional>
 
 #include "core/options.h"
+#include "elementwise/arith_kernels.h"
 #include "elementwise/mulc_addc_kernels.h"
+#include "elementwise/widest.h"
 #include "zolvex_m.h"
 
 namespace elementwise {
-namespace {
-
-// Operations with the constant on the left, and the remainder.
-struct ConstantMinus {
-    template <class T> T operator()(T v, T c) const noexcept { return c - v; }
-};
-struct ConstantOver {
-    template <class T> T operator()(T v, T c) const noexcept { return c / v; }
-};
-struct Remainder {
-    template <class T> T operator()(T v, T c) const noexcept { return std::fmod(v, c); }
-};
-
-} // namespace
 
 namespace generic {
+
+// SSE2, which every x86-64 processor has.
+constexpr unsigned kVectorBytes = 16;
+#include "elementwise/arith_loops.inc"
+
+void abs_f32(const float* x, float* out, uint32_t n) noexcept { abs_kernel(x, out, n); }
+void abs_f64(const double* x, double* out, uint32_t n) noexcept { abs_kernel(x, out, n); }
 
 template <class T>
 static void mulc_addc_loop(const T* x, T* out, uint32_t n, T m, T a) noexcept {
@@ -55,53 +49,65 @@ MulcAddcKernel<double> choose_mulc_addc_f64() noexcept {
     return generic::mulc_addc_f64;
 }
 
-} // namespace elementwise
-
-#define ZOLVEX_M_BINARY(name, Op)                                                                  \
-    int32_t zolvex_m_##name##_f32(const float* x, const float* y, float* out, uint32_t n) {        \
-        return elementwise::binary(x, y, out, n, Op{});                                            \
-    }                                                                                              \
-    int32_t zolvex_m_##name##_f64(const double* x, const double* y, double* out, uint32_t n) {     \
-        return elementwise::binary(x, y, out, n, Op{});                                            \
-    }
-
-#define ZOLVEX_M_WITH_CONSTANT(name, Op)                                                           \
-    int32_t zolvex_m_##name##_f32(const float* x, float* out, uint32_t n, float c) {               \
-        return elementwise::with_constant(x, out, n, c, Op{});                                     \
-    }                                                                                              \
-    int32_t zolvex_m_##name##_f64(const double* x, double* out, uint32_t n, double c) {            \
-        return elementwise::with_constant(x, out, n, c, Op{});                                     \
-    }
-
-#define ZOLVEX_M_SET(suffix, T)                                                                    \
-    int32_t zolvex_m_set_##suffix(T* out, uint32_t n, T value) {                                   \
-        return elementwise::fill(out, n, value);                                                   \
-    }
-
-extern "C" {
-
-ZOLVEX_M_BINARY(add, std::plus<>)
-ZOLVEX_M_BINARY(sub, std::minus<>)
-ZOLVEX_M_BINARY(mul, std::multiplies<>)
-ZOLVEX_M_BINARY(div, std::divides<>)
-
-ZOLVEX_M_WITH_CONSTANT(addc, std::plus<>)
-ZOLVEX_M_WITH_CONSTANT(subc, std::minus<>)
-ZOLVEX_M_WITH_CONSTANT(csub, elementwise::ConstantMinus)
-ZOLVEX_M_WITH_CONSTANT(mulc, std::multiplies<>)
-ZOLVEX_M_WITH_CONSTANT(divc, std::divides<>)
-ZOLVEX_M_WITH_CONSTANT(cdiv, elementwise::ConstantOver)
-ZOLVEX_M_WITH_CONSTANT(modc, elementwise::Remainder)
-
-int32_t zolvex_m_mulc_addc_f32(const float* x, float* out, uint32_t n, float m, float a) {
-    if (n == 0) return 0;
-    elementwise::choose_mulc_addc_f32()(x, out, n, m, a);
+// fmod has no vector form; one loop serves every level.
+template <class T>
+static int32_t remainder_loop(const T* x, T* out, uint32_t n, T c) noexcept {
+    for (uint32_t i = 0; i < n; ++i) out[i] = std::fmod(x[i], c);
     return 0;
 }
 
+template <class T>
+static int32_t fill(T* out, uint32_t n, T value) noexcept {
+    for (uint32_t i = 0; i < n; ++i) out[i] = value;
+    return 0;
+}
+
+} // namespace elementwise
+
+#define ZOLVEX_M_KERNEL(op, sfx) elementwise::widest(elementwise::generic::op##_##sfx, \
+    elementwise::avx::op##_##sfx, elementwise::avx512::op##_##sfx)
+
+#define ZOLVEX_M_EXPORT_BINARY(op)                                                                 \
+    int32_t zolvex_m_##op##_f32(const float* x, const float* y, float* out, uint32_t n) {          \
+        if (n != 0) ZOLVEX_M_KERNEL(op, f32)(x, y, out, n);                                        \
+        return 0;                                                                                  \
+    }                                                                                              \
+    int32_t zolvex_m_##op##_f64(const double* x, const double* y, double* out, uint32_t n) {       \
+        if (n != 0) ZOLVEX_M_KERNEL(op, f64)(x, y, out, n);                                        \
+        return 0;                                                                                  \
+    }
+
+#define ZOLVEX_M_EXPORT_CONSTANT(op)                                                               \
+    int32_t zolvex_m_##op##_f32(const float* x, float* out, uint32_t n, float c) {                 \
+        if (n != 0) ZOLVEX_M_KERNEL(op, f32)(x, out, n, c);                                        \
+        return 0;                                                                                  \
+    }                                                                                              \
+    int32_t zolvex_m_##op##_f64(const double* x, double* out, uint32_t n, double c) {              \
+        if (n != 0) ZOLVEX_M_KERNEL(op, f64)(x, out, n, c);                                        \
+        return 0;                                                                                  \
+    }
+
+#define ZOLVEX_M_EXPORT_SET(sfx, T)                                                                \
+    int32_t zolvex_m_set_##sfx(T* out, uint32_t n, T value) { return elementwise::fill(out, n, value); }
+
+extern "C" {
+
+ZOLVEX_M_BINARY_OPS(ZOLVEX_M_EXPORT_BINARY)
+ZOLVEX_M_CONSTANT_OPS(ZOLVEX_M_EXPORT_CONSTANT)
+
+int32_t zolvex_m_modc_f32(const float* x, float* out, uint32_t n, float c) {
+    return elementwise::remainder_loop(x, out, n, c);
+}
+int32_t zolvex_m_modc_f64(const double* x, double* out, uint32_t n, double c) {
+    return elementwise::remainder_loop(x, out, n, c);
+}
+
+int32_t zolvex_m_mulc_addc_f32(const float* x, float* out, uint32_t n, float m, float a) {
+    if (n != 0) elementwise::choose_mulc_addc_f32()(x, out, n, m, a);
+    return 0;
+}
 int32_t zolvex_m_mulc_addc_f64(const double* x, double* out, uint32_t n, double m, double a) {
-    if (n == 0) return 0;
-    elementwise::choose_mulc_addc_f64()(x, out, n, m, a);
+    if (n != 0) elementwise::choose_mulc_addc_f64()(x, out, n, m, a);
     return 0;
 }
 
@@ -109,10 +115,10 @@ int32_t zolvex_m_set_u8(uint8_t* out, uint32_t n, uint8_t value) {
     if (n != 0) std::memset(out, value, n);
     return 0;
 }
-ZOLVEX_M_SET(i16, int16_t)
-ZOLVEX_M_SET(u16, uint16_t)
-ZOLVEX_M_SET(u32, uint32_t)
-ZOLVEX_M_SET(f32, float)
-ZOLVEX_M_SET(f64, double)
+ZOLVEX_M_EXPORT_SET(i16, int16_t)
+ZOLVEX_M_EXPORT_SET(u16, uint16_t)
+ZOLVEX_M_EXPORT_SET(u32, uint32_t)
+ZOLVEX_M_EXPORT_SET(f32, float)
+ZOLVEX_M_EXPORT_SET(f64, double)
 
 } // extern "C"

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/random_data.h"
+#include "elementwise/widest.h"
 #include "support/regimes.h"
 #include "zolvex_m.h"
 
@@ -69,14 +70,63 @@ std::vector<ConstantCase<float>> constant_cases() { return CONSTANT_CASES(float,
 template <>
 std::vector<ConstantCase<double>> constant_cases() { return CONSTANT_CASES(double, f64); }
 
+// Two NaNs count as equal whatever their payloads: IEEE leaves the payload
+// of an operation's NaN open, and the compiler may swap the operands of a
+// commutative operation.
 template <class T>
-void expect_same(const std::vector<T>& got, const std::vector<T>& want, const char* name, size_t n) {
-    for (size_t i = 0; i < n; ++i) {
-        // Two NaNs count as equal whatever their payloads: IEEE leaves the
-        // payload of an operation's NaN open.
-        if (std::isnan(got[i]) && std::isnan(want[i])) continue;
-        ASSERT_TRUE(same_bits(got[i], want[i])) << name << " n=" << n << " i=" << i << ": " << got[i] << " vs "
-                                                << want[i];
+bool same_value(T got, T want) {
+    return (std::isnan(got) && std::isnan(want)) || same_bits(got, want);
+}
+
+// The element-wise kernels exist at three levels; each regime switches on
+// exactly one of them.
+struct ArithRegime {
+    const char* name;
+    std::initializer_list<uint32_t> options;
+};
+const ArithRegime kRegimes[] = {
+    {"generic", {}},
+    {"avx", {ZOLVEX_M_OPT_AVX}},
+    // AVX-512F without CD is not enough: AVX is used then.
+    {"avx512f only", {ZOLVEX_M_OPT_AVX, ZOLVEX_M_OPT_AVX512F}},
+    {"avx512f+cd", {ZOLVEX_M_OPT_AVX512F, ZOLVEX_M_OPT_AVX512CD}},
+};
+
+constexpr uint32_t kGuard = 8;
+
+// For every regime, length 0..300 and a few large ones (odd start offsets),
+// `run(x, y, out, n)` must give `reference(x[i], y[i])` for every i, write
+// nothing outside out[0..n), and give the same in place.
+template <class T, class Run, class Reference>
+void check_all_regimes(const char* name, Run run, Reference reference, bool has_y) {
+    testing_support::OptionsSnapshot restore;
+    for (const ArithRegime& regime : kRegimes) {
+        ASSERT_TRUE(testing_support::only_options(regime.options));
+        for (uint32_t n : testing_support::test_lengths()) {
+            uint32_t offset = n % 3;
+            auto x = random_vector<T>(n + offset, n), y = random_vector<T>(n + offset, n + 1000);
+            std::vector<T> out(n + offset + kGuard, T(-7));
+            run(x.data() + offset, y.data() + offset, out.data() + offset, n);
+            for (uint32_t i = 0; i < n; ++i) {
+                T want = reference(x[offset + i], y[offset + i]);
+                ASSERT_TRUE(same_value(out[offset + i], want))
+                    << name << " " << regime.name << " n=" << n << " i=" << i << ": " << out[offset + i]
+                    << " vs " << want;
+            }
+            for (uint32_t i = 0; i < out.size(); ++i)
+                if (i < offset || i >= offset + n) ASSERT_EQ(out[i], T(-7)) << name << " wrote outside, n=" << n;
+
+            auto in_x = x;
+            run(in_x.data() + offset, y.data() + offset, in_x.data() + offset, n);
+            for (uint32_t i = 0; i < n; ++i)
+                ASSERT_TRUE(same_value(in_x[offset + i], out[offset + i])) << name << " in place (x) n=" << n;
+            if (has_y) {
+                auto in_y = y;
+                run(x.data() + offset, in_y.data() + offset, in_y.data() + offset, n);
+                for (uint32_t i = 0; i < n; ++i)
+                    ASSERT_TRUE(same_value(in_y[offset + i], out[offset + i])) << name << " in place (y) n=" << n;
+            }
+        }
     }
 }
 
@@ -85,45 +135,38 @@ class Arithmetic : public ::testing::Test {};
 using Types = ::testing::Types<float, double>;
 TYPED_TEST_SUITE(Arithmetic, Types);
 
-TYPED_TEST(Arithmetic, BinaryMatchesReferenceOutOfPlaceAndInPlace) {
+TYPED_TEST(Arithmetic, BinaryMatchesReferenceInEveryRegime) {
     using T = TypeParam;
     for (const auto& c : binary_cases<T>()) {
-        for (uint32_t n : {1u, 7u, 64u, 1001u}) {
-            auto x = random_vector<T>(n, n), y = random_vector<T>(n, n + 1);
-            std::vector<T> want(n), out(n + 4, T(-7));
-            for (uint32_t i = 0; i < n; ++i) want[i] = c.reference(x[i], y[i]);
-            ASSERT_EQ(c.function(x.data(), y.data(), out.data(), n), 0);
-            expect_same(out, want, c.name, n);
-            EXPECT_EQ(out[n], T(-7)) << "wrote past n";
+        check_all_regimes<T>(
+            c.name, [&](const T* x, const T* y, T* out, uint32_t n) { EXPECT_EQ(c.function(x, y, out, n), 0); },
+            c.reference, true);
+    }
+}
 
-            auto in_x = x;
-            c.function(in_x.data(), y.data(), in_x.data(), n);
-            expect_same(in_x, want, c.name, n);
-            auto in_y = y;
-            c.function(x.data(), in_y.data(), in_y.data(), n);
-            expect_same(in_y, want, c.name, n);
+TYPED_TEST(Arithmetic, WithConstantMatchesReferenceInEveryRegime) {
+    using T = TypeParam;
+    const T constants[] = {T(3), T(-0.5), -T(0), std::numeric_limits<T>::infinity(),
+                           std::numeric_limits<T>::quiet_NaN()};
+    for (const auto& c : constant_cases<T>()) {
+        for (T k : constants) {
+            check_all_regimes<T>(
+                c.name, [&](const T* x, const T*, T* out, uint32_t n) { EXPECT_EQ(c.function(x, out, n, k), 0); },
+                [&](T v, T) { return c.reference(v, k); }, false);
         }
     }
 }
 
-TYPED_TEST(Arithmetic, WithConstantMatchesReferenceOutOfPlaceAndInPlace) {
-    using T = TypeParam;
-    const T constants[] = {T(3), T(-0.5), T(0), -T(0), std::numeric_limits<T>::infinity(),
-                           std::numeric_limits<T>::quiet_NaN()};
-    for (const auto& c : constant_cases<T>()) {
-        for (T k : constants) {
-            for (uint32_t n : {1u, 5u, 300u}) {
-                auto x = random_vector<T>(n, n * 3);
-                std::vector<T> want(n), out(n + 1, T(-7));
-                for (uint32_t i = 0; i < n; ++i) want[i] = c.reference(x[i], k);
-                ASSERT_EQ(c.function(x.data(), out.data(), n, k), 0);
-                expect_same(out, want, c.name, n);
-                EXPECT_EQ(out[n], T(-7));
-                c.function(x.data(), x.data(), n, k);
-                expect_same(x, want, c.name, n);
-            }
-        }
-    }
+TEST(Arithmetic, WidestKernelFollowsTheFlags) {
+    testing_support::OptionsSnapshot restore;
+    using elementwise::widest;
+    const int generic = 1, avx = 2, avx512 = 3;
+    ASSERT_TRUE(testing_support::only_options({}));
+    EXPECT_EQ(widest(generic, avx, avx512), generic);
+    ASSERT_TRUE(testing_support::only_options({ZOLVEX_M_OPT_AVX, ZOLVEX_M_OPT_AVX512F}));
+    EXPECT_EQ(widest(generic, avx, avx512), avx);
+    ASSERT_TRUE(testing_support::only_options({ZOLVEX_M_OPT_AVX512F, ZOLVEX_M_OPT_AVX512CD}));
+    EXPECT_EQ(widest(generic, avx, avx512), avx512);
 }
 
 TYPED_TEST(Arithmetic, ZeroLengthTouchesNothing) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "elementwise/abs.h"
+#include "elementwise/arith_kernels.h"
 #include "elementwise/mulc_addc_kernels.h"
 #include "support/random_data.h"
 #include "support/regimes.h"

@@ -143,7 +143,9 @@ ZOLVEX_M_API const OptionEntry* zolvex_m_getopt_list(void);
 /* Element-wise arithmetic                                                  */
 /* ------------------------------------------------------------------------ */
 /* Each result is rounded to the element type. Division by zero, overflow and
- * NaN follow IEEE arithmetic. All return 0, except mulc/divc with the
+ * NaN follow IEEE arithmetic. add, sub, mul, div, addc, subc, csub, mulc,
+ * divc and cdiv have AVX and AVX-512 (F with CD) kernels with results equal
+ * to the generic kernel's (a NaN result may carry another NaN payload). All return 0, except mulc/divc with the
  * ZOLVEX_M_OPT_IPP option on (then -1 if the accelerator reports an error,
  * and a count of 0 is judged by the accelerator). */
 

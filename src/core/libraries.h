@@ -1,7 +1,12 @@
 #pragma once
-// Optional libraries loaded at run time: the accelerator (base functions and
-// function table) and the two FFTW precisions. Loading is all or nothing: a
-// library missing any function it is expected to have is unloaded again.
+// Optional libraries loaded at run time: the accelerator (its base
+// functions and its function table, two records on two handles of the same
+// library) and the two FFTW precisions. Loading is all or nothing: a library
+// missing any name it is expected to have is unloaded again and its record
+// stays empty. Unloading keeps the function addresses (they are only used
+// while the matching option is on).
+
+#include <cstdint>
 
 namespace lib {
 
@@ -14,16 +19,31 @@ bool base_loaded() noexcept;
 bool table_loaded() noexcept;
 } // namespace ipp
 
+// The FFTW functions, in the order they are resolved; the same for both
+// precisions (fftw_... and fftwf_...).
+#define ZOLVEX_M_FFTW_FUNCTIONS(X)                                                                 \
+    X(alignment_of) X(plan_dft_r2c_1d) X(plan_dft_c2r_1d) X(execute) X(execute_dft_r2c)            \
+    X(execute_dft_c2r) X(destroy_plan)
+
+enum class FftwFn : uint32_t {
+#define ZOLVEX_M_FFTW_ENUM(name) name,
+    ZOLVEX_M_FFTW_FUNCTIONS(ZOLVEX_M_FFTW_ENUM)
+#undef ZOLVEX_M_FFTW_ENUM
+    count
+};
+
 namespace fftw3 {
 bool load() noexcept;
 void unload() noexcept;
 bool loaded() noexcept;
+void* function(FftwFn f) noexcept;
 } // namespace fftw3
 
 namespace fftw3f {
 bool load() noexcept;
 void unload() noexcept;
 bool loaded() noexcept;
+void* function(FftwFn f) noexcept;
 } // namespace fftw3f
 
 } // namespace lib

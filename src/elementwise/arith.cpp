@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <cstring>
 
+#include "core/ipp.h"
 #include "core/options.h"
+#include "core/status_error.h"
 #include "elementwise/arith_kernels.h"
 #include "elementwise/mulc_addc_kernels.h"
 #include "elementwise/widest.h"
@@ -49,6 +51,22 @@ MulcAddcKernel<double> choose_mulc_addc_f64() noexcept {
     return generic::mulc_addc_f64;
 }
 
+// mulc and divc hand the whole call to the accelerator when the IPP option
+// is on, in its in-place form when input and output are one array. The
+// accelerator judges the length itself (it rejects 0, and counts above
+// INT32_MAX, which arrive as negative ints), and any status of its own but
+// success becomes ZOLVEX_M_STATUS_FAILED.
+template <class T>
+int32_t on_accelerator(lib::ipp::Fn out_of_place, lib::ipp::Fn in_place, const T* x, T* out, uint32_t n,
+                       T c) noexcept {
+    int length = static_cast<int>(n);
+    lib::ipp::IppStatus status = x == out ? lib::ipp::table<lib::ipp::MulC_I<T>>(in_place)(c, out, length)
+                                          : lib::ipp::table<lib::ipp::MulC<T>>(out_of_place)(x, c, out, length);
+    return core::map_accelerator_status(status);
+}
+
+bool accelerator_on() noexcept { return core::option_on(ZOLVEX_M_OPT_IPP); }
+
 // fmod has no vector form; one loop serves every level.
 template <class T>
 static int32_t remainder_loop(const T* x, T* out, uint32_t n, T c) noexcept {
@@ -90,10 +108,32 @@ static int32_t fill(T* out, uint32_t n, T value) noexcept {
 #define ZOLVEX_M_EXPORT_SET(sfx, T)                                                                \
     int32_t zolvex_m_set_##sfx(T* out, uint32_t n, T value) { return elementwise::fill(out, n, value); }
 
+// The two operations with an accelerator path.
+#define ZOLVEX_M_EXPORT_ACCELERATED(op, ipp_name)                                                  \
+    int32_t zolvex_m_##op##_f32(const float* x, float* out, uint32_t n, float c) {                 \
+        if (elementwise::accelerator_on())                                                         \
+            return elementwise::on_accelerator(lib::ipp::Fn::ipp_name##_32f, lib::ipp::Fn::ipp_name##_32f_I, x, \
+                                               out, n, c);                                         \
+        if (n != 0) ZOLVEX_M_KERNEL(op, f32)(x, out, n, c);                                        \
+        return 0;                                                                                  \
+    }                                                                                              \
+    int32_t zolvex_m_##op##_f64(const double* x, double* out, uint32_t n, double c) {              \
+        if (elementwise::accelerator_on())                                                         \
+            return elementwise::on_accelerator(lib::ipp::Fn::ipp_name##_64f, lib::ipp::Fn::ipp_name##_64f_I, x, \
+                                               out, n, c);                                         \
+        if (n != 0) ZOLVEX_M_KERNEL(op, f64)(x, out, n, c);                                        \
+        return 0;                                                                                  \
+    }
+
 extern "C" {
 
 ZOLVEX_M_BINARY_OPS(ZOLVEX_M_EXPORT_BINARY)
-ZOLVEX_M_CONSTANT_OPS(ZOLVEX_M_EXPORT_CONSTANT)
+ZOLVEX_M_EXPORT_CONSTANT(addc)
+ZOLVEX_M_EXPORT_CONSTANT(subc)
+ZOLVEX_M_EXPORT_CONSTANT(csub)
+ZOLVEX_M_EXPORT_CONSTANT(cdiv)
+ZOLVEX_M_EXPORT_ACCELERATED(mulc, ippsMulC)
+ZOLVEX_M_EXPORT_ACCELERATED(divc, ippsDivC)
 
 int32_t zolvex_m_modc_f32(const float* x, float* out, uint32_t n, float c) {
     return elementwise::remainder_loop(x, out, n, c);

@@ -9,7 +9,12 @@ namespace {
 
 class LibraryEnvironment : public ::testing::Environment {
 public:
-    void SetUp() override { zolvex_m_init(); }
+    // The accelerator, when a test process finds one, is tested on its own
+    // (accelerator_test.cpp): everywhere else the built-in kernels run.
+    void SetUp() override {
+        zolvex_m_init();
+        zolvex_m_setopt(ZOLVEX_M_OPT_IPP, 0);
+    }
     void TearDown() override { zolvex_m_fini(); }
 };
 

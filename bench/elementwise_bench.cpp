@@ -57,6 +57,24 @@ void BM_mulc(benchmark::State& state, int32_t (*mulc)(const T*, T*, uint32_t, T)
     report_bytes(state, state.range(0), 2.0 * n * sizeof(T));
 }
 
+// mulc/divc: ours (the widest regime) against the accelerator's, side by
+// side; `backend` 0 is ours, 1 the accelerator (skipped when absent).
+template <class T>
+void BM_scale(benchmark::State& state, int32_t (*function)(const T*, T*, uint32_t, T)) {
+    bool accelerator = state.range(1) == 1;
+    if (!apply_regime(kAvx512) && !apply_regime(kAvx)) return state.SkipWithError("no vector regime");
+    if (zolvex_m_setopt(ZOLVEX_M_OPT_IPP, accelerator ? 1 : 0) != 0)
+        return state.SkipWithError("accelerator not loaded (tools/run-bench puts it on the search path)");
+    uint32_t n = static_cast<uint32_t>(state.range(0) / int64_t(sizeof(T)));
+    Buffer<T> x(n, T(1.5)), out(n);
+    for (auto _ : state) {
+        function(x.data(), out.data(), n, T(3));
+        benchmark::ClobberMemory();
+    }
+    zolvex_m_setopt(ZOLVEX_M_OPT_IPP, 0);
+    report_bytes(state, state.range(0), 2.0 * n * sizeof(T));
+}
+
 template <class T>
 void BM_mulc_addc(benchmark::State& state, int32_t (*mulc_addc)(const T*, T*, uint32_t, T, T)) {
     if (!apply_regime(state.range(1))) return state.SkipWithError("regime not supported");
@@ -99,6 +117,23 @@ const bool registered = [] {
     sizes_and(benchmark::RegisterBenchmark("add_f64", BM_add<double>, zolvex_m_add_f64), {kGeneric, kAvx, kAvx512});
     sizes_and(benchmark::RegisterBenchmark("mulc_f32", BM_mulc<float>, zolvex_m_mulc_f32), {kGeneric, kAvx, kAvx512});
     sizes_and(benchmark::RegisterBenchmark("mulc_f64", BM_mulc<double>, zolvex_m_mulc_f64), {kGeneric, kAvx, kAvx512});
+    struct Scale {
+        const char* name;
+        int32_t (*f32)(const float*, float*, uint32_t, float);
+        int32_t (*f64)(const double*, double*, uint32_t, double);
+    };
+    for (auto [name, f32, f64] : {Scale{"mulc", zolvex_m_mulc_f32, zolvex_m_mulc_f64},
+                                  Scale{"divc", zolvex_m_divc_f32, zolvex_m_divc_f64}}) {
+        for (int64_t size : kSizes) {
+            for (int64_t backend : {0, 1}) {
+                std::string suffix = std::string(backend ? "/ipp" : "/ours");
+                benchmark::RegisterBenchmark((std::string(name) + "_f32" + suffix).c_str(), BM_scale<float>, f32)
+                    ->Args({size, backend})->ArgNames({"bytes", "ipp"});
+                benchmark::RegisterBenchmark((std::string(name) + "_f64" + suffix).c_str(), BM_scale<double>, f64)
+                    ->Args({size, backend})->ArgNames({"bytes", "ipp"});
+            }
+        }
+    }
     sizes_and(benchmark::RegisterBenchmark("mulc_addc_f32", BM_mulc_addc<float>, zolvex_m_mulc_addc_f32),
               {kGeneric, kSse42, kAvx2Fma3});
     sizes_and(benchmark::RegisterBenchmark("mulc_addc_f64", BM_mulc_addc<double>, zolvex_m_mulc_addc_f64),

@@ -10,6 +10,8 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     zolvex_m_init();
+    // Our kernels unless a benchmark asks for the accelerator.
+    zolvex_m_setopt(ZOLVEX_M_OPT_IPP, 0);
     benchmark::RunSpecifiedBenchmarks();
     zolvex_m_fini();
     benchmark::Shutdown();

@@ -3,6 +3,7 @@
 // macro per family stamps out the f32 and f64 entry points.
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 

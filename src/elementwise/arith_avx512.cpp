@@ -1,5 +1,6 @@
 // The element-wise loops compiled for the AVX512 level.
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 

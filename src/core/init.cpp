@@ -19,8 +19,11 @@ std::atomic<uint32_t> g_init_count{0};
 // Pool threads as reported at init; 0 is stored as 1.
 uint16_t g_thread_count = 1;
 
+// The base functions alone are of no use: when the function table cannot
+// be loaded, the base record is unloaded too, so an incomplete accelerator
+// leaves nothing mapped.
 void load_accelerator() noexcept {
-    if (lib::ipp::load_base()) lib::ipp::load_table();
+    if (lib::ipp::load_base() && !lib::ipp::load_table()) lib::ipp::unload_base();
 }
 
 void read_library_options() noexcept {

@@ -1,3 +1,4 @@
+cmake_policy(VERSION 3.25)
 # Fails unless the dynamic symbols LIBRARY defines are exactly the functions
 # HEADER declares with API_MACRO, so a forgotten export or a leaked internal
 # symbol is caught.

@@ -51,15 +51,11 @@ void* base_function(BaseFn f) noexcept;
 
 // Signatures of the functions called (IPP's own, with its Ipp32f/Ipp64f
 // being float/double and lengths int).
+// ippsMulC / ippsDivC, out of place and in place.
 template <class T>
-using MulC = IppStatus (*)(const T* src, T value, T* dst, int len);
+using WithConstant = IppStatus (*)(const T* src, T value, T* dst, int len);
 template <class T>
-using MulC_I = IppStatus (*)(T value, T* src_dst, int len);
-template <class T>
-using DivC = MulC<T>;
-template <class T>
-using DivC_I = MulC_I<T>;
-using Free = void (*)(void* ptr);
+using WithConstantInPlace = IppStatus (*)(T value, T* src_dst, int len);
 
 template <class Signature>
 Signature table(Fn f) noexcept {

@@ -61,8 +61,8 @@ template <class T>
 int32_t on_accelerator(lib::ipp::Fn out_of_place, lib::ipp::Fn in_place, const T* x, T* out, uint32_t n,
                        T c) noexcept {
     int length = static_cast<int>(n);
-    lib::ipp::IppStatus status = x == out ? lib::ipp::table<lib::ipp::MulC_I<T>>(in_place)(c, out, length)
-                                          : lib::ipp::table<lib::ipp::MulC<T>>(out_of_place)(x, c, out, length);
+    lib::ipp::IppStatus status = x == out ? lib::ipp::table<lib::ipp::WithConstantInPlace<T>>(in_place)(c, out, length)
+                                          : lib::ipp::table<lib::ipp::WithConstant<T>>(out_of_place)(x, c, out, length);
     return core::map_accelerator_status(status);
 }
 

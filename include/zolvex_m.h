@@ -239,6 +239,100 @@ ZOLVEX_M_API int32_t zolvex_m_shr_clip_u8(const uint8_t* x, uint8_t* out, uint32
 ZOLVEX_M_API int32_t zolvex_m_shr_clip_u16(const uint16_t* x, uint16_t* out, uint32_t n,
                                            uint32_t shift, uint16_t low, uint16_t high);
 
+/* ------------------------------------------------------------------------ */
+/* Trigger detection                                                        */
+/* ------------------------------------------------------------------------ */
+/* Edge triggers find where a signal crosses a level, in a stream that
+ * arrives block by block: a search may start in one block and end in a later
+ * one. Levels are in the samples' own type and raw units (u8 levels for u8
+ * data); nothing is scaled.
+ *
+ * Hysteresis: a trigger must first be armed by the signal on the far side
+ * of the arm level, and fires only when it then reaches the trigger level.
+ * Rising: arms on a sample strictly below arm_level, then waits for a sample
+ * at or above arm_level, then fires on the first sample at or above
+ * trigger_level. Falling is the mirror image (arms strictly above arm_level,
+ * then waits for <= arm_level, fires on <= trigger_level). Any: arms when
+ * the signal leaves [arm_level_low, arm_level_high] (strictly above or
+ * strictly below; a sample that is both arms high), then fires on the way
+ * back through trigger_level: at or below it after arming high, at or above
+ * it after arming low. Put the arm level a noise margin beyond the trigger
+ * level (rising: arm_level < trigger_level) so that noise on a flat signal
+ * cannot re-arm a trigger. Consequences:
+ *  - A sample equal to the arm level does not arm; a sample equal to the
+ *    trigger level fires. With arm_level == trigger_level, a rising edge
+ *    fires on the first sample at or above that level after a sample below
+ *    it. The levels are not checked for order: with the arm level beyond the
+ *    trigger level (rising: arm_level > trigger_level), the trigger fires at
+ *    the first sample at or above arm_level after arming.
+ *  - Once armed, a trigger is never disarmed: the signal may cross back over
+ *    the arm level any number of times; only the trigger resets it.
+ *  - f32/f64: a NaN sample never arms and never fires; it is passed over.
+ *
+ * Calling convention (the same for every trigger function):
+ *  - state: the address of a void* that holds the search's state block. Set
+ *    it to NULL before the first call; the first call allocates the block
+ *    (zero-filled: a new search) and stores its address there, even when it
+ *    does nothing else. You own the block and release it with
+ *    zolvex_m_state_free(state). Pass a block only to the function (kind,
+ *    sample type and levels) that created it. One block must not be used by
+ *    two threads at once; different blocks may be used in parallel.
+ *  - *position: on entry the index where the search starts; on return with
+ *    status 0, the index of the trigger sample (below length) if the search
+ *    fired, or length if the block ran out first. A trigger leaves the state
+ *    block ready for a new search.
+ *  - Next trigger in the same block: call again with *position advanced
+ *    (typically trigger index + 1). Calling with the trigger index itself
+ *    restarts the search at that sample, which cannot fire again at once.
+ *  - Next block: when *position came back equal to length, set it to 0 and
+ *    call with the next block and the same state: an armed search goes on
+ *    where it stopped.
+ *  - *position >= length on entry (a length of 0 included): returns 0 at
+ *    once, leaving *position and the state block as they are (a new block is
+ *    still allocated when *state was NULL).
+ *  - Returns 0 (ZOLVEX_M_STATUS_SUCCESS); -1 (ZOLVEX_M_STATUS_FAILED),
+ *    writing nothing, when the state block holds no valid state of this kind
+ *    (a block from another kind, or overwritten); -3
+ *    (ZOLVEX_M_STATUS_OUT_OF_MEMORY) when the block cannot be allocated, in
+ *    which case *state stays NULL and *position is untouched.
+ *  - data, position and state are not tested for null.
+ * Kernels: the u8 searches use AVX2 when the AVX2 and FMA3 options are both
+ * on, else SSE4.2 when that option is on; the u16 searches use SSE4.2 for
+ * every scan except the one for "at or above a level" (rising after
+ * arming, any after arming low), which uses AVX2 when the AVX2 and FMA3
+ * options are both on. i16, f32 and f64 are generic. All give the generic
+ * kernels' results. */
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_rising_u8(const uint8_t* data, uint32_t length, uint8_t arm_level,
+    uint8_t trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_falling_u8(const uint8_t* data, uint32_t length, uint8_t arm_level,
+    uint8_t trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_any_u8(const uint8_t* data, uint32_t length, uint8_t arm_level_high,
+    uint8_t arm_level_low, uint8_t trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_rising_i16(const int16_t* data, uint32_t length, int16_t arm_level,
+    int16_t trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_falling_i16(const int16_t* data, uint32_t length, int16_t arm_level,
+    int16_t trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_any_i16(const int16_t* data, uint32_t length, int16_t arm_level_high,
+    int16_t arm_level_low, int16_t trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_rising_u16(const uint16_t* data, uint32_t length, uint16_t arm_level,
+    uint16_t trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_falling_u16(const uint16_t* data, uint32_t length, uint16_t arm_level,
+    uint16_t trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_any_u16(const uint16_t* data, uint32_t length, uint16_t arm_level_high,
+    uint16_t arm_level_low, uint16_t trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_rising_f32(const float* data, uint32_t length, float arm_level,
+    float trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_falling_f32(const float* data, uint32_t length, float arm_level,
+    float trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_any_f32(const float* data, uint32_t length, float arm_level_high,
+    float arm_level_low, float trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_rising_f64(const double* data, uint32_t length, double arm_level,
+    double trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_falling_f64(const double* data, uint32_t length, double arm_level,
+    double trigger_level, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_edge_any_f64(const double* data, uint32_t length, double arm_level_high,
+    double arm_level_low, double trigger_level, uint32_t* position, void** state);
+
 #ifdef __cplusplus
 }
 #endif

@@ -240,6 +240,13 @@ ZOLVEX_M_API int32_t zolvex_m_shr_clip_u16(const uint16_t* x, uint16_t* out, uin
                                            uint32_t shift, uint16_t low, uint16_t high);
 
 /* ------------------------------------------------------------------------ */
+/* Search and statistics                                                    */
+/* ------------------------------------------------------------------------ */
+/* (min/max and sums) */
+
+/* (linear histograms) */
+
+/* ------------------------------------------------------------------------ */
 /* Trigger detection                                                        */
 /* ------------------------------------------------------------------------ */
 /* Edge triggers find where a signal crosses a level, in a stream that

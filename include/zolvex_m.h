@@ -340,6 +340,270 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_edge_falling_f64(const double* data, uint3
 ZOLVEX_M_API int32_t zolvex_m_trigger_edge_any_f64(const double* data, uint32_t length, double arm_level_high,
     double arm_level_low, double trigger_level, uint32_t* position, void** state);
 
+/* ------------------------------------------------------------------------ */
+/* Window triggers: the signal against a band [level_low, level_high]; both
+ * levels belong to the window. Same calling convention as the edge triggers
+ * (except outside, which keeps no state); levels are not checked for order.
+ *  - inside: fires on the first sample inside the window. The sample at
+ *    *position is looked at first: if it is inside already (or, for f32/f64,
+ *    NaN) the search fires right there, leaving *position unchanged.
+ *    Otherwise the search waits on the side the signal is on: from above it
+ *    fires on the first sample <= level_high, from below on the first sample
+ *    >= level_low, even if that sample jumped right across the window.
+ *    States 0 to 2.
+ *  - outside (stateless): *position becomes the index of the first sample at
+ *    or after *position that is > level_high or < level_low (a NaN is never
+ *    outside), or length. Unlike the other triggers it also writes length
+ *    when *position >= length on entry. Call again with *position + 1 for the
+ *    next outside sample.
+ *  - enter: fires when the signal comes into the window from beyond an arm
+ *    level: arms on a sample > arm_level_high (then waits for a sample
+ *    <= arm_level_high, and fires on the first <= level_high) or
+ *    < arm_level_low (then waits for >= arm_level_low, fires on the first
+ *    >= level_low). Put the arm levels outside the window: arm_level_high
+ *    above level_high, arm_level_low below level_low. States 0 to 4.
+ *  - exit: fires on the first sample outside the window (> level_high or
+ *    < level_low) once armed by a sample in [arm_level_low, arm_level_high]
+ *    (put the arm levels inside the window). Only the sample at *position of
+ *    a new search arms directly; a signal that starts anywhere else must first
+ *    leave the window and come back within the arm levels: from above to
+ *    <= arm_level_high, from below to >= arm_level_low. States 0 to 3.
+ * For f32/f64 a NaN sample satisfies no condition, except where inside looks
+ * at its first sample. Returns 0, -1 for a state block holding no state of
+ * the kind, -3 when the block cannot be allocated.
+ * Kernels: as for the edge triggers (u8 and u16 vector scans). */
+
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_inside_u8(const uint8_t* data, uint32_t length,
+    uint8_t level_high, uint8_t level_low, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_outside_u8(const uint8_t* data, uint32_t length,
+    uint8_t level_high, uint8_t level_low, uint32_t* position);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_enter_u8(const uint8_t* data, uint32_t length,
+    uint8_t arm_level_high, uint8_t level_high, uint8_t arm_level_low, uint8_t level_low,
+    uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_exit_u8(const uint8_t* data, uint32_t length,
+    uint8_t arm_level_high, uint8_t level_high, uint8_t arm_level_low, uint8_t level_low,
+    uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_inside_i16(const int16_t* data, uint32_t length,
+    int16_t level_high, int16_t level_low, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_outside_i16(const int16_t* data, uint32_t length,
+    int16_t level_high, int16_t level_low, uint32_t* position);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_enter_i16(const int16_t* data, uint32_t length,
+    int16_t arm_level_high, int16_t level_high, int16_t arm_level_low, int16_t level_low,
+    uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_exit_i16(const int16_t* data, uint32_t length,
+    int16_t arm_level_high, int16_t level_high, int16_t arm_level_low, int16_t level_low,
+    uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_inside_u16(const uint16_t* data, uint32_t length,
+    uint16_t level_high, uint16_t level_low, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_outside_u16(const uint16_t* data, uint32_t length,
+    uint16_t level_high, uint16_t level_low, uint32_t* position);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_enter_u16(const uint16_t* data, uint32_t length,
+    uint16_t arm_level_high, uint16_t level_high, uint16_t arm_level_low, uint16_t level_low,
+    uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_exit_u16(const uint16_t* data, uint32_t length,
+    uint16_t arm_level_high, uint16_t level_high, uint16_t arm_level_low, uint16_t level_low,
+    uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_inside_f32(const float* data, uint32_t length,
+    float level_high, float level_low, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_outside_f32(const float* data, uint32_t length,
+    float level_high, float level_low, uint32_t* position);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_enter_f32(const float* data, uint32_t length,
+    float arm_level_high, float level_high, float arm_level_low, float level_low,
+    uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_exit_f32(const float* data, uint32_t length,
+    float arm_level_high, float level_high, float arm_level_low, float level_low,
+    uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_inside_f64(const double* data, uint32_t length,
+    double level_high, double level_low, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_outside_f64(const double* data, uint32_t length,
+    double level_high, double level_low, uint32_t* position);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_enter_f64(const double* data, uint32_t length,
+    double arm_level_high, double level_high, double arm_level_low, double level_low,
+    uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_window_exit_f64(const double* data, uint32_t length,
+    double arm_level_high, double level_high, double arm_level_low, double level_low,
+    uint32_t* position, void** state);
+
+/* ------------------------------------------------------------------------ */
+/* Pulse-width and interval triggers: measure a duration in samples and fire
+ * when it satisfies `mode` against time_min and time_max:
+ *   0  always                     3  time_min <= d <= time_max
+ *   1  d < time_min               4  d < time_min or d > time_max
+ *   2  d > time_min (time_min, not time_max)
+ *   any other value, negative ones included: never.
+ * Durations and limits are unsigned 32-bit; a duration of 2^32 samples or
+ * more wraps. The limits are not checked for order.
+ *  - pulse_width_positive: a pulse rises from <= level_low to >= level_high
+ *    (where it starts) and falls back to <= level_low (where it ends and d is
+ *    its width, end index minus start index). The search first waits for
+ *    the signal at or below level_low. A pulse that satisfies the mode fires
+ *    at its end sample. After a trigger, or a rejected pulse, the search
+ *    waits for the next pulse to start: it needs no re-arming.
+ *    pulse_width_negative is the mirror image: from >= level_high down to
+ *    <= level_low and back to >= level_high.
+ *    With level_high <= level_low one sample can start and end a pulse of
+ *    width 0; if the mode rejects it, the search goes on at the next sample
+ *    (rather than measuring the same pulse at that sample for ever).
+ *  - interval_positive: d is the number of samples between two consecutive
+ *    rising edges (armed strictly below level_low, firing at the first
+ *    sample >= level_high, as zolvex_m_trigger_edge_rising with
+ *    arm_level = level_low and trigger_level = level_high). The first edge
+ *    of a search starts the measurement; every later edge measures from the
+ *    previous one, fires at the edge if the mode accepts d, and starts the
+ *    next interval either way. interval_negative uses falling edges (armed
+ *    strictly above level_high, firing at the first sample <= level_low).
+ * State block (zero-filled when allocated; read it only for diagnostics):
+ *   struct { uint32_t state; uint32_t phase; int64_t start; }
+ * state is the pulse state (0 to 2) or the edge state (0 to 2); phase is 0
+ * for pulse widths and, for intervals, 1 once the first edge was seen; start
+ * is where the running duration began, relative to the block passed next:
+ * every call that returns without a trigger, the early return included,
+ * subtracts length from it. So feed blocks exactly as for the edge triggers
+ * and durations span blocks. Returns 0, -1 (nothing written) for a block
+ * whose state or phase is out of range, -3 when the block cannot be
+ * allocated.
+ * Kernels: the pulse-width searches scan u8 and u16 data with the edge
+ * triggers' vector scans; the intervals run the edge searches. */
+
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_positive_u8(const uint8_t* data, uint32_t length,
+    uint8_t level_high, uint8_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_negative_u8(const uint8_t* data, uint32_t length,
+    uint8_t level_high, uint8_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_positive_u8(const uint8_t* data, uint32_t length,
+    uint8_t level_high, uint8_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_negative_u8(const uint8_t* data, uint32_t length,
+    uint8_t level_high, uint8_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_positive_i16(const int16_t* data, uint32_t length,
+    int16_t level_high, int16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_negative_i16(const int16_t* data, uint32_t length,
+    int16_t level_high, int16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_positive_i16(const int16_t* data, uint32_t length,
+    int16_t level_high, int16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_negative_i16(const int16_t* data, uint32_t length,
+    int16_t level_high, int16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_positive_u16(const uint16_t* data, uint32_t length,
+    uint16_t level_high, uint16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_negative_u16(const uint16_t* data, uint32_t length,
+    uint16_t level_high, uint16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_positive_u16(const uint16_t* data, uint32_t length,
+    uint16_t level_high, uint16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_negative_u16(const uint16_t* data, uint32_t length,
+    uint16_t level_high, uint16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_positive_f32(const float* data, uint32_t length,
+    float level_high, float level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_negative_f32(const float* data, uint32_t length,
+    float level_high, float level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_positive_f32(const float* data, uint32_t length,
+    float level_high, float level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_negative_f32(const float* data, uint32_t length,
+    float level_high, float level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_positive_f64(const double* data, uint32_t length,
+    double level_high, double level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_pulse_width_negative_f64(const double* data, uint32_t length,
+    double level_high, double level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_positive_f64(const double* data, uint32_t length,
+    double level_high, double level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_interval_negative_f64(const double* data, uint32_t length,
+    double level_high, double level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+
+/* ------------------------------------------------------------------------ */
+/* Runt-pulse triggers. A runt crosses one level of the window
+ * [level_low, level_high] (both levels inside) and turns back before it
+ * reaches the other: a positive runt comes up from below level_low into the
+ * window and falls back below level_low without going above level_high; a
+ * negative runt comes down from above level_high and goes back above it
+ * without going below level_low. Its width d is the index of the first
+ * sample outside the window after the runt minus the index of the first
+ * sample inside it; `mode`, time_min and time_max qualify it exactly as for
+ * the pulse-width triggers. A qualifying runt fires at that first sample
+ * outside the window (positive: runts of positive polarity only; negative:
+ * negative only; any: both). A signal that enters on one side and leaves on
+ * the other never fires. The search first waits for the signal outside the
+ * window; after a trigger it is outside again, ready for the next runt.
+ * How the signal comes back inside: from above at the first sample
+ * <= level_high, from below at the first sample >= level_low; a sample that
+ * jumps across the whole window counts as now being on the other side. For
+ * f32/f64 a NaN sample is never outside the window and never counts as
+ * coming inside.
+ * State block (zero-filled when allocated; read it only for diagnostics):
+ *   struct { uint32_t entered_from; uint32_t state; uint32_t inner_state;
+ *            int64_t start; }
+ * entered_from: 0 none yet, 2 from above, 3 from below, 1 after a
+ * qualifying runt; state: 0 idle, 1 inside, 2 above, 3 below; inner_state:
+ * the state (0 to 2) of the search for the way back into the window; start:
+ * where the signal entered, relative to the block passed next (reduced by
+ * length at every return without a trigger, the early return included).
+ * Calling convention as for the edge triggers. Returns 0, -1 (nothing
+ * written) for a block whose state or inner_state is out of range, -3 when
+ * the block cannot be allocated.
+ * Kernels: the edge triggers' vector scans for u8 and u16 data. */
+
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_positive_u8(const uint8_t* data, uint32_t length,
+    uint8_t level_high, uint8_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_negative_u8(const uint8_t* data, uint32_t length,
+    uint8_t level_high, uint8_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_u8(const uint8_t* data, uint32_t length,
+    uint8_t level_high, uint8_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_positive_i16(const int16_t* data, uint32_t length,
+    int16_t level_high, int16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_negative_i16(const int16_t* data, uint32_t length,
+    int16_t level_high, int16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_i16(const int16_t* data, uint32_t length,
+    int16_t level_high, int16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_positive_u16(const uint16_t* data, uint32_t length,
+    uint16_t level_high, uint16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_negative_u16(const uint16_t* data, uint32_t length,
+    uint16_t level_high, uint16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_u16(const uint16_t* data, uint32_t length,
+    uint16_t level_high, uint16_t level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_positive_f32(const float* data, uint32_t length,
+    float level_high, float level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_negative_f32(const float* data, uint32_t length,
+    float level_high, float level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f32(const float* data, uint32_t length,
+    float level_high, float level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_positive_f64(const double* data, uint32_t length,
+    double level_high, double level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_negative_f64(const double* data, uint32_t length,
+    double level_high, double level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f64(const double* data, uint32_t length,
+    double level_high, double level_low, int32_t mode, uint32_t time_min,
+    uint32_t time_max, uint32_t* position, void** state);
+
 #ifdef __cplusplus
 }
 #endif

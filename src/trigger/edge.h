@@ -2,6 +2,9 @@
 // The edge triggers' state machines, one per kind, over the sample type.
 // Levels are compared exactly as written below (strict only where a state
 // arms), so a NaN sample satisfies no state and is passed over.
+//
+// find() and hit() take any block whose `state` field is the edge state, so
+// that the interval triggers can run an edge search on their own block.
 
 #include <cstdint>
 
@@ -9,6 +12,18 @@
 #include "trigger/trigger_state.h"
 
 namespace trigger {
+
+// Advances an edge state that has found its sample: the last state triggers
+// and starts over at 0, any other arms the next one.
+template <class Block>
+Next advance_edge(Block& block, uint32_t last_state) {
+    if (block.state == last_state) {
+        block.state = 0;
+        return Next::trigger;
+    }
+    block.state += 1;
+    return Next::same_sample;
+}
 
 // Rising: 0 idle, waits for x < arm (strictly below, so that a signal resting
 // on the arm level does not arm); 1 armed below, waits for x >= arm; 2 above
@@ -18,17 +33,18 @@ template <class T>
 struct EdgeRising {
     using Sample = T;
     using Block = TriggerState;
-    static constexpr uint32_t kStates = 3;
-    static uint32_t& state_word(Block& block) { return block.state; }
+    static bool valid(const Block& block) { return block.state <= 2; }
 
-    uint32_t find(uint32_t state, const T* x, uint32_t from, uint32_t length) const {
-        switch (state) {
+    template <class B>
+    uint32_t find(const B& block, const T* x, uint32_t from, uint32_t length) const {
+        switch (block.state) {
         case 0: return scans.lt(x, from, length, arm);
         case 1: return scans.ge(x, from, length, arm);
         default: return scans.ge(x, from, length, level);
         }
     }
-    Step hit(Block&, uint32_t state, uint32_t, T) const { return state == 2 ? Step{0, true} : Step{state + 1, false}; }
+    template <class B>
+    Next hit(B& block, uint32_t, T) const { return advance_edge(block, 2); }
 
     ScanSet<T> scans;
     T arm;
@@ -41,17 +57,18 @@ template <class T>
 struct EdgeFalling {
     using Sample = T;
     using Block = TriggerState;
-    static constexpr uint32_t kStates = 3;
-    static uint32_t& state_word(Block& block) { return block.state; }
+    static bool valid(const Block& block) { return block.state <= 2; }
 
-    uint32_t find(uint32_t state, const T* x, uint32_t from, uint32_t length) const {
-        switch (state) {
+    template <class B>
+    uint32_t find(const B& block, const T* x, uint32_t from, uint32_t length) const {
+        switch (block.state) {
         case 0: return scans.gt(x, from, length, arm);
         case 1: return scans.le(x, from, length, arm);
         default: return scans.le(x, from, length, level);
         }
     }
-    Step hit(Block&, uint32_t state, uint32_t, T) const { return state == 2 ? Step{0, true} : Step{state + 1, false}; }
+    template <class B>
+    Next hit(B& block, uint32_t, T) const { return advance_edge(block, 2); }
 
     ScanSet<T> scans;
     T arm;
@@ -67,23 +84,23 @@ template <class T>
 struct EdgeAny {
     using Sample = T;
     using Block = TriggerState;
-    static constexpr uint32_t kStates = 5;
-    static uint32_t& state_word(Block& block) { return block.state; }
+    static bool valid(const Block& block) { return block.state <= 4; }
 
-    uint32_t find(uint32_t state, const T* x, uint32_t from, uint32_t length) const {
-        switch (state) {
+    uint32_t find(const Block& block, const T* x, uint32_t from, uint32_t length) const {
+        switch (block.state) {
         case 0: return scans.outside(x, from, length, arm_high, arm_low);
         case 1: return scans.le(x, from, length, arm_high);
         case 2: return scans.ge(x, from, length, arm_low);
-        default: return state == 3 ? scans.le(x, from, length, level) : scans.ge(x, from, length, level);
+        case 3: return scans.le(x, from, length, level);
+        default: return scans.ge(x, from, length, level);
         }
     }
-    Step hit(Block&, uint32_t state, uint32_t, T x) const {
-        switch (state) {
-        case 0: return Step{x > arm_high ? 1u : 2u, false};
-        case 1: return Step{3, false};
-        case 2: return Step{4, false};
-        default: return Step{0, true};
+    Next hit(Block& block, uint32_t, T x) const {
+        switch (block.state) {
+        case 0: block.state = x > arm_high ? 1 : 2; return Next::same_sample;
+        case 1: block.state = 3; return Next::same_sample;
+        case 2: block.state = 4; return Next::same_sample;
+        default: block.state = 0; return Next::trigger;
         }
     }
 

@@ -1,0 +1,45 @@
+// The window triggers' exported entry points (window.h), run through the
+// shared calling convention (trigger_state.h) with the scans the option
+// flags allow at the time of the call.
+
+#include "trigger/window.h"
+
+#include "zolvex_m.h"
+
+extern "C" {
+
+#define ZOLVEX_M_EXPORT_WINDOW(T, suffix)                                                          \
+    int32_t zolvex_m_trigger_window_inside_##suffix(const T* data, uint32_t length, T level_high,  \
+                                                    T level_low, uint32_t* position, void** state) { \
+        return trigger::run_trigger(data, length, position, state,                                 \
+                                    trigger::WindowInside<T>{trigger::choose_scans<T>(), level_high, level_low}); \
+    }                                                                                              \
+    int32_t zolvex_m_trigger_window_outside_##suffix(const T* data, uint32_t length, T level_high, \
+                                                     T level_low, uint32_t* position) {            \
+        *position = trigger::find_outside(data, *position, length, level_high, level_low);         \
+        return ZOLVEX_M_STATUS_SUCCESS;                                                            \
+    }                                                                                              \
+    int32_t zolvex_m_trigger_window_enter_##suffix(const T* data, uint32_t length, T arm_level_high, \
+                                                   T level_high, T arm_level_low, T level_low,     \
+                                                   uint32_t* position, void** state) {             \
+        return trigger::run_trigger(data, length, position, state,                                 \
+                                    trigger::WindowEnter<T>{trigger::choose_scans<T>(), arm_level_high, \
+                                                            level_high, arm_level_low, level_low}); \
+    }                                                                                              \
+    int32_t zolvex_m_trigger_window_exit_##suffix(const T* data, uint32_t length, T arm_level_high, \
+                                                  T level_high, T arm_level_low, T level_low,      \
+                                                  uint32_t* position, void** state) {              \
+        return trigger::run_trigger(data, length, position, state,                                 \
+                                    trigger::WindowExit<T>{trigger::choose_scans<T>(), arm_level_high, \
+                                                           level_high, arm_level_low, level_low}); \
+    }
+
+ZOLVEX_M_EXPORT_WINDOW(uint8_t, u8)
+ZOLVEX_M_EXPORT_WINDOW(int16_t, i16)
+ZOLVEX_M_EXPORT_WINDOW(uint16_t, u16)
+ZOLVEX_M_EXPORT_WINDOW(float, f32)
+ZOLVEX_M_EXPORT_WINDOW(double, f64)
+
+#undef ZOLVEX_M_EXPORT_WINDOW
+
+} // extern "C"

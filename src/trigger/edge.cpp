@@ -21,7 +21,8 @@ extern "C" {
                                                void** state) {                                     \
         return trigger::run_trigger(                                                               \
             data, length, position, state,                                                         \
-            trigger::EdgeAny<T>{trigger::choose_scans<T>(), arm_level_high, arm_level_low, trigger_level}); \
+            trigger::EdgeAny<T>{trigger::choose_scans<T>(), arm_level_high, trigger_level, arm_level_low,       \
+                                 trigger_level}); \
     }
 
 #define ZOLVEX_M_EXPORT_EDGES(T, suffix)                                                           \

@@ -75,13 +75,20 @@ struct EdgeFalling {
     T level;
 };
 
-// Any: 0 idle, waits for the signal to leave the band [arm_low, arm_high];
-// above it arms high (1), below it arms low (2); a sample that is both (only
-// with arm_high below arm_low) arms high. 1 waits for x <= arm_high, then 3
-// for x <= trigger_level; 2 waits for x >= arm_low, then 4 for
-// x >= trigger_level.
-template <class T>
-struct EdgeAny {
+// The numbering of a two-sided search's states past the idle state 0: each
+// side arms, then passes through its level and fires.
+struct TwoSidedStates {
+    uint32_t high_armed, high_through, low_armed, low_through;
+};
+
+// A two-sided search: 0 waits for the signal to leave the band
+// [arm_low, arm_high]; strictly above it arms the high side, strictly below
+// the low side (a sample that is both, only with arm_high below arm_low, arms
+// high). The high side then waits for x <= arm_high and fires on the first
+// x <= high; the low side waits for x >= arm_low and fires on the first
+// x >= low. Once armed it never disarms.
+template <class T, TwoSidedStates S>
+struct TwoSided {
     using Sample = T;
     using Block = TriggerState;
     static bool valid(const Block& block) { return block.state <= 4; }
@@ -89,25 +96,31 @@ struct EdgeAny {
     uint32_t find(const Block& block, const T* x, uint32_t from, uint32_t length) const {
         switch (block.state) {
         case 0: return scans.outside(x, from, length, arm_high, arm_low);
-        case 1: return scans.le(x, from, length, arm_high);
-        case 2: return scans.ge(x, from, length, arm_low);
-        case 3: return scans.le(x, from, length, level);
-        default: return scans.ge(x, from, length, level);
+        case S.high_armed: return scans.le(x, from, length, arm_high);
+        case S.high_through: return scans.le(x, from, length, high);
+        case S.low_armed: return scans.ge(x, from, length, arm_low);
+        default: return scans.ge(x, from, length, low);
         }
     }
     Next hit(Block& block, uint32_t, T x) const {
         switch (block.state) {
-        case 0: block.state = x > arm_high ? 1 : 2; return Next::same_sample;
-        case 1: block.state = 3; return Next::same_sample;
-        case 2: block.state = 4; return Next::same_sample;
+        case 0: block.state = x > arm_high ? S.high_armed : S.low_armed; return Next::same_sample;
+        case S.high_armed: block.state = S.high_through; return Next::same_sample;
+        case S.low_armed: block.state = S.low_through; return Next::same_sample;
         default: block.state = 0; return Next::trigger;
         }
     }
 
     ScanSet<T> scans;
     T arm_high;
+    T high;
     T arm_low;
-    T level;
+    T low;
 };
+
+// Any edge: a two-sided search whose two levels are the trigger level; 1
+// armed high, 2 armed low, 3 falling through, 4 rising through.
+template <class T>
+using EdgeAny = TwoSided<T, TwoSidedStates{1, 3, 2, 4}>;
 
 } // namespace trigger

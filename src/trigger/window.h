@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "trigger/edge.h"
 #include "trigger/scan.h"
 #include "trigger/trigger_state.h"
 
@@ -65,40 +66,12 @@ uint32_t find_outside(const T* x, uint32_t start, uint32_t length, T high, T low
     return choose_scans<T>().outside(x, start, length, high, low);
 }
 
-// Enter: the signal comes into the window from beyond an arm level. 0 waits
-// for x > arm_high (then 1) or x < arm_low (then 3); 1 waits for
-// x <= arm_high, then 2 for x <= high, which fires; 3 waits for
-// x >= arm_low, then 4 for x >= low, which fires.
+// Enter: the signal comes into the window from beyond an arm level, a
+// two-sided search whose levels are the window's edges: 1 armed above
+// arm_high, 2 coming down (fires at x <= high), 3 armed below arm_low, 4
+// coming up (fires at x >= low).
 template <class T>
-struct WindowEnter {
-    using Sample = T;
-    using Block = TriggerState;
-    static bool valid(const Block& block) { return block.state <= 4; }
-
-    uint32_t find(const Block& block, const T* x, uint32_t from, uint32_t length) const {
-        switch (block.state) {
-        case 0: return scans.outside(x, from, length, arm_high, arm_low);
-        case 1: return scans.le(x, from, length, arm_high);
-        case 2: return scans.le(x, from, length, high);
-        case 3: return scans.ge(x, from, length, arm_low);
-        default: return scans.ge(x, from, length, low);
-        }
-    }
-    Next hit(Block& block, uint32_t, T x) const {
-        switch (block.state) {
-        case 0: block.state = x > arm_high ? 1 : 3; return Next::same_sample;
-        case 1: block.state = 2; return Next::same_sample;
-        case 3: block.state = 4; return Next::same_sample;
-        default: block.state = 0; return Next::trigger;
-        }
-    }
-
-    ScanSet<T> scans;
-    T arm_high;
-    T high;
-    T arm_low;
-    T low;
-};
+using WindowEnter = TwoSided<T, TwoSidedStates{1, 2, 3, 4}>;
 
 // Exit: the signal leaves the window after having been well inside it,
 // within [arm_low, arm_high]. 0 arms at once (3) only if the sample at the

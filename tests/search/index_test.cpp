@@ -16,17 +16,15 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
-#include <iomanip>
-#include <iostream>
 #include <limits>
 #include <memory>
 #include <random>
-#include <sstream>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 #include "support/random_data.h"
+#include "support/regime_runs.h"
 #include "support/regimes.h"
 #include "trigger/scan.h"
 #include "zolvex_m.h"
@@ -34,6 +32,7 @@
 namespace {
 
 using testing_support::same_bits;
+using testing_support::show;
 
 enum class Condition { gt, gte, lt, lte, in, out };
 constexpr Condition kConditions[] = {Condition::gt,  Condition::gte, Condition::lt,
@@ -114,17 +113,6 @@ ZOLVEX_M_INDEX_API(uint16_t, u16)
 ZOLVEX_M_INDEX_API(float, f32)
 ZOLVEX_M_INDEX_API(double, f64)
 #undef ZOLVEX_M_INDEX_API
-
-template <class T>
-std::string show(T x) {
-    if constexpr (std::is_integral_v<T>) {
-        return std::to_string(static_cast<int64_t>(x));
-    } else {
-        std::ostringstream out;
-        out << std::setprecision(std::numeric_limits<T>::max_digits10) << x;
-        return out.str();
-    }
-}
 
 template <class T>
 std::string describe(Condition c, const Levels<T>& l) {
@@ -352,17 +340,7 @@ void expect_scans_of(const IndexRegime& regime) {
 
 template <class F>
 void in_every_regime(F&& check) {
-    testing_support::OptionsSnapshot restore;
-    for (const IndexRegime& regime : index_regimes()) {
-        if (!testing_support::apply_regime(regime.options)) {
-            std::cout << "[   NOTE   ] this processor lacks regime " << regime.options.name << "; not tested\n";
-            continue;
-        }
-        SCOPED_TRACE("regime " + regime.options.name);
-        expect_scans_of(regime);
-        check();
-        if (::testing::Test::HasFailure()) return;
-    }
+    testing_support::in_each_regime(index_regimes(), expect_scans_of, check);
 }
 
 // ---------------------------------------------------------------------------

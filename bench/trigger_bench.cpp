@@ -1,7 +1,8 @@
 // Trigger searches as pure scans: the only trigger is at the end of the
 // buffer, so a call reads every sample once. Each benchmark lets one scan
 // condition run through the whole buffer (rising edge: "at or above" after
-// arming at the first sample), per kernel regime and buffer size.
+// arming at the first sample), per kernel regime and buffer size. The index
+// search "in" stands for the band scan no trigger uses.
 
 #include <cstdint>
 #include <string>
@@ -51,6 +52,9 @@ void BM_trigger(benchmark::State& state, Search<T> search) {
     }                                                                                              \
     int32_t any_##suffix(const T* d, uint32_t n, uint32_t* p, void** s) {                          \
         return zolvex_m_trigger_edge_any_##suffix(d, n, 60, 40, 50, p, s);                         \
+    }                                                                                              \
+    int32_t in_##suffix(const T* d, uint32_t n, uint32_t* p, void**) {                             \
+        return zolvex_m_index_in_##suffix(d, n, 20, 0, p);                                         \
     }
 ZOLVEX_M_BENCH_SEARCHES(uint8_t, u8)
 ZOLVEX_M_BENCH_SEARCHES(uint16_t, u16)
@@ -63,12 +67,14 @@ struct Searches<uint8_t> {
     static constexpr auto rising = rising_u8;
     static constexpr auto falling = falling_u8;
     static constexpr auto any = any_u8;
+    static constexpr auto in = in_u8;
 };
 template <>
 struct Searches<uint16_t> {
     static constexpr auto rising = rising_u16;
     static constexpr auto falling = falling_u16;
     static constexpr auto any = any_u16;
+    static constexpr auto in = in_u16;
 };
 
 template <class T>
@@ -86,6 +92,8 @@ void register_type(const std::string& suffix) {
         {"trigger_scan_le_", {150, 150, 0, S::falling}},
         // Idle in x > 60 || x < 40 over 50s; 100 arms high, 45 passes 60 and 50.
         {"trigger_scan_outside_", {50, 100, 45, S::any}},
+        // The index search for 0 <= x <= 20 over 50s: the "inside" scan.
+        {"index_in_", {50, 50, 10, S::in}},
     };
     for (const auto& [name, search] : searches) {
         Search<T> s = search;

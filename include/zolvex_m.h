@@ -246,6 +246,106 @@ ZOLVEX_M_API int32_t zolvex_m_shr_clip_u16(const uint16_t* x, uint16_t* out, uin
 
 /* (linear histograms) */
 
+/* (index search) */
+/* Index searches: from a start index, the first sample of one block that
+ * meets a level condition, or the index of the block's extreme sample.
+ * Stateless relatives of the triggers below. Levels and values have the
+ * samples' own type and raw units. Every function returns 0
+ * (ZOLVEX_M_STATUS_SUCCESS); data, index and value are not tested for null.
+ *
+ * *index: on entry the first index to examine; on return the index found, or
+ * length when no sample qualifies. A start at or beyond length writes length
+ * back, also for a length of 0 (unlike the rule at the top of this header,
+ * *index is written then). To find the next hit in the same block, call
+ * again with *index one past the last hit.
+ *
+ * Conditions, each sample x from *index on:
+ *   gt   x > level              gte  x >= level
+ *   lt   x < level              lte  x <= level
+ *   in   level_low <= x <= level_high (both levels inside; with level_high
+ *        below level_low no sample is inside)
+ *   out  x > level_high or x < level_low (both levels inside the band, so not
+ *        out; with level_high below level_low every sample is out)
+ * f32/f64: a NaN sample meets no condition, and a NaN level is never
+ * reached (gt, gte, lt, lte and in then find nothing; out tests only its
+ * other level). -0.0 and +0.0 are equal.
+ * Kernels: the u8 searches scan with AVX2 when the AVX2 and FMA3 options are
+ * both on, else with SSE4.2 when that option is on; the u16 searches with
+ * SSE4.2 when that option is on, except gte, which uses AVX2 when the AVX2
+ * and FMA3 options are both on (else SSE4.2). i16, f32 and f64 are generic.
+ * All give the generic kernels' index. These are the trigger searches' scans:
+ * whole groups of 64 samples are tested at once, so a hit far from the start
+ * costs little.
+ *
+ * max / min: *value holds on entry the extreme to beat. A sample counts only
+ * when strictly above (max) or strictly below (min) the best so far, which
+ * starts at *value: ties keep the first index, and a sample equal to the
+ * entry value is not reported. On return *index is the index of the extreme
+ * sample and *value that sample; or, when no sample from *index on beat the
+ * entry value, *index is length and *value is untouched (also for a start at
+ * or beyond length).
+ *  - One block on its own: seed *value with the type's lowest value for max
+ *    (0, INT16_MIN, -INFINITY) or its highest for min (UINT8_MAX, INT16_MAX,
+ *    UINT16_MAX, INFINITY). A block whose samples all equal the seed reports
+ *    length.
+ *  - Several blocks: seed once, then pass the same *value with every block
+ *    (*index set to 0); a block that returns an index below its length holds
+ *    a new extreme, one that returns length does not. The last block to
+ *    report holds the first occurrence of the extreme of the whole stream.
+ *  - f32/f64: a NaN sample never wins; a NaN in *value is never beaten (the
+ *    result is length), so never seed with NaN.
+ * Scalar for every type. */
+ZOLVEX_M_API int32_t zolvex_m_index_gt_u8(const uint8_t* data, uint32_t length, uint8_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_gte_u8(const uint8_t* data, uint32_t length, uint8_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lt_u8(const uint8_t* data, uint32_t length, uint8_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lte_u8(const uint8_t* data, uint32_t length, uint8_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_in_u8(const uint8_t* data, uint32_t length, uint8_t level_high,
+    uint8_t level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_out_u8(const uint8_t* data, uint32_t length, uint8_t level_high,
+    uint8_t level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_max_u8(const uint8_t* data, uint32_t length, uint32_t* index, uint8_t* value);
+ZOLVEX_M_API int32_t zolvex_m_index_min_u8(const uint8_t* data, uint32_t length, uint32_t* index, uint8_t* value);
+ZOLVEX_M_API int32_t zolvex_m_index_gt_i16(const int16_t* data, uint32_t length, int16_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_gte_i16(const int16_t* data, uint32_t length, int16_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lt_i16(const int16_t* data, uint32_t length, int16_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lte_i16(const int16_t* data, uint32_t length, int16_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_in_i16(const int16_t* data, uint32_t length, int16_t level_high,
+    int16_t level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_out_i16(const int16_t* data, uint32_t length, int16_t level_high,
+    int16_t level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_max_i16(const int16_t* data, uint32_t length, uint32_t* index, int16_t* value);
+ZOLVEX_M_API int32_t zolvex_m_index_min_i16(const int16_t* data, uint32_t length, uint32_t* index, int16_t* value);
+ZOLVEX_M_API int32_t zolvex_m_index_gt_u16(const uint16_t* data, uint32_t length, uint16_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_gte_u16(const uint16_t* data, uint32_t length, uint16_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lt_u16(const uint16_t* data, uint32_t length, uint16_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lte_u16(const uint16_t* data, uint32_t length, uint16_t level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_in_u16(const uint16_t* data, uint32_t length, uint16_t level_high,
+    uint16_t level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_out_u16(const uint16_t* data, uint32_t length, uint16_t level_high,
+    uint16_t level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_max_u16(const uint16_t* data, uint32_t length, uint32_t* index, uint16_t* value);
+ZOLVEX_M_API int32_t zolvex_m_index_min_u16(const uint16_t* data, uint32_t length, uint32_t* index, uint16_t* value);
+ZOLVEX_M_API int32_t zolvex_m_index_gt_f32(const float* data, uint32_t length, float level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_gte_f32(const float* data, uint32_t length, float level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lt_f32(const float* data, uint32_t length, float level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lte_f32(const float* data, uint32_t length, float level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_in_f32(const float* data, uint32_t length, float level_high,
+    float level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_out_f32(const float* data, uint32_t length, float level_high,
+    float level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_max_f32(const float* data, uint32_t length, uint32_t* index, float* value);
+ZOLVEX_M_API int32_t zolvex_m_index_min_f32(const float* data, uint32_t length, uint32_t* index, float* value);
+ZOLVEX_M_API int32_t zolvex_m_index_gt_f64(const double* data, uint32_t length, double level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_gte_f64(const double* data, uint32_t length, double level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lt_f64(const double* data, uint32_t length, double level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_lte_f64(const double* data, uint32_t length, double level, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_in_f64(const double* data, uint32_t length, double level_high,
+    double level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_out_f64(const double* data, uint32_t length, double level_high,
+    double level_low, uint32_t* index);
+ZOLVEX_M_API int32_t zolvex_m_index_max_f64(const double* data, uint32_t length, uint32_t* index, double* value);
+ZOLVEX_M_API int32_t zolvex_m_index_min_f64(const double* data, uint32_t length, uint32_t* index, double* value);
+
 /* ------------------------------------------------------------------------ */
 /* Trigger detection                                                        */
 /* ------------------------------------------------------------------------ */

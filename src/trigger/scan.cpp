@@ -39,6 +39,9 @@ uint32_t scan_loop(const T* x, uint32_t start, uint32_t length, Condition satisf
     }                                                                                              \
     uint32_t scan_outside_##suffix(const T* x, uint32_t start, uint32_t length, T high, T low) noexcept { \
         return scan_loop(x, start, length, [high, low](T v) { return v > high || v < low; });      \
+    }                                                                                              \
+    uint32_t scan_inside_##suffix(const T* x, uint32_t start, uint32_t length, T high, T low) noexcept { \
+        return scan_loop(x, start, length, [high, low](T v) { return v >= low && v <= high; });    \
     }
 
 ZOLVEX_M_DEFINE_GENERIC_SCANS(uint8_t, u8)
@@ -55,20 +58,22 @@ ScanSet<uint8_t> choose_scans<uint8_t>() noexcept {
     // The 256-bit kernels halve the instructions per byte; the SSE4.2 ones
     // stay the choice whenever AVX2 or FMA3 is off.
     if (core::avx2_fma3_on())
-        return {avx2::scan_ge_u8, avx2::scan_le_u8, avx2::scan_gt_u8, avx2::scan_lt_u8, avx2::scan_outside_u8};
+        return {avx2::scan_ge_u8, avx2::scan_le_u8, avx2::scan_gt_u8, avx2::scan_lt_u8, avx2::scan_outside_u8,
+                avx2::scan_inside_u8};
     if (core::option_on(ZOLVEX_M_OPT_SSE42))
-        return {sse42::scan_ge_u8, sse42::scan_le_u8, sse42::scan_gt_u8, sse42::scan_lt_u8, sse42::scan_outside_u8};
+        return {sse42::scan_ge_u8, sse42::scan_le_u8, sse42::scan_gt_u8, sse42::scan_lt_u8, sse42::scan_outside_u8,
+                sse42::scan_inside_u8};
     return {generic::scan_ge_u8, generic::scan_le_u8, generic::scan_gt_u8, generic::scan_lt_u8,
-            generic::scan_outside_u8};
+            generic::scan_outside_u8, generic::scan_inside_u8};
 }
 
 template <>
 ScanSet<uint16_t> choose_scans<uint16_t>() noexcept {
     ScanSet<uint16_t> scans = {generic::scan_ge_u16, generic::scan_le_u16, generic::scan_gt_u16,
-                               generic::scan_lt_u16, generic::scan_outside_u16};
+                               generic::scan_lt_u16, generic::scan_outside_u16, generic::scan_inside_u16};
     if (core::option_on(ZOLVEX_M_OPT_SSE42))
         scans = {sse42::scan_ge_u16, sse42::scan_le_u16, sse42::scan_gt_u16, sse42::scan_lt_u16,
-                 sse42::scan_outside_u16};
+                 sse42::scan_outside_u16, sse42::scan_inside_u16};
     // Independent of the SSE4.2 option: with AVX2 and FMA3 on but SSE4.2
     // off, only this one scan is vectorised.
     if (core::avx2_fma3_on()) scans.ge = avx2::scan_ge_u16;
@@ -78,19 +83,19 @@ ScanSet<uint16_t> choose_scans<uint16_t>() noexcept {
 template <>
 ScanSet<int16_t> choose_scans<int16_t>() noexcept {
     return {generic::scan_ge_i16, generic::scan_le_i16, generic::scan_gt_i16, generic::scan_lt_i16,
-            generic::scan_outside_i16};
+            generic::scan_outside_i16, generic::scan_inside_i16};
 }
 
 template <>
 ScanSet<float> choose_scans<float>() noexcept {
     return {generic::scan_ge_f32, generic::scan_le_f32, generic::scan_gt_f32, generic::scan_lt_f32,
-            generic::scan_outside_f32};
+            generic::scan_outside_f32, generic::scan_inside_f32};
 }
 
 template <>
 ScanSet<double> choose_scans<double>() noexcept {
     return {generic::scan_ge_f64, generic::scan_le_f64, generic::scan_gt_f64, generic::scan_lt_f64,
-            generic::scan_outside_f64};
+            generic::scan_outside_f64, generic::scan_inside_f64};
 }
 
 } // namespace trigger

@@ -7,6 +7,7 @@
 //   ge       x >= level          le       x <= level
 //   gt       x >  level          lt       x <  level
 //   outside  x > high || x < low  (both strict: the levels belong to the band)
+//   inside   low <= x && x <= high (the levels included; none with high < low)
 //
 // A NaN sample satisfies none of them: every condition is written as the
 // comparison itself, never as the negation of its opposite.
@@ -28,7 +29,8 @@ using BandScanKernel = uint32_t (*)(const T* x, uint32_t start, uint32_t length,
     uint32_t scan_le_##suffix(const T* x, uint32_t start, uint32_t length, T level) noexcept;     \
     uint32_t scan_gt_##suffix(const T* x, uint32_t start, uint32_t length, T level) noexcept;     \
     uint32_t scan_lt_##suffix(const T* x, uint32_t start, uint32_t length, T level) noexcept;     \
-    uint32_t scan_outside_##suffix(const T* x, uint32_t start, uint32_t length, T high, T low) noexcept;
+    uint32_t scan_outside_##suffix(const T* x, uint32_t start, uint32_t length, T high, T low) noexcept; \
+    uint32_t scan_inside_##suffix(const T* x, uint32_t start, uint32_t length, T high, T low) noexcept;
 
 namespace generic {
 ZOLVEX_M_DECLARE_SCAN_KERNELS(uint8_t, u8)
@@ -60,6 +62,7 @@ struct ScanSet {
     ScanKernel<T> gt;
     ScanKernel<T> lt;
     BandScanKernel<T> outside;
+    BandScanKernel<T> inside;
 };
 
 // Chosen per call from the option flags (a search never caches them, so a

@@ -65,6 +65,9 @@ uint32_t scan_lt_u8(const uint8_t* x, uint32_t start, uint32_t length, uint8_t l
 uint32_t scan_outside_u8(const uint8_t* x, uint32_t start, uint32_t length, uint8_t high, uint8_t low) noexcept {
     return scan_outside<U8>(x, start, length, high, low);
 }
+uint32_t scan_inside_u8(const uint8_t* x, uint32_t start, uint32_t length, uint8_t high, uint8_t low) noexcept {
+    return scan_inside<U8>(x, start, length, high, low);
+}
 
 uint32_t scan_ge_u16(const uint16_t* x, uint32_t start, uint32_t length, uint16_t level) noexcept {
     return scan<U16>(x, start, length, Ge<U16>(level));

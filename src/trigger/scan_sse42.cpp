@@ -66,6 +66,10 @@ struct U16 {
     uint32_t scan_outside_##suffix(const L::T* x, uint32_t start, uint32_t length, L::T high,      \
                                    L::T low) noexcept {                                            \
         return scan_outside<L>(x, start, length, high, low);                                   \
+    }                                                                                              \
+    uint32_t scan_inside_##suffix(const L::T* x, uint32_t start, uint32_t length, L::T high,       \
+                                  L::T low) noexcept {                                             \
+        return scan_inside<L>(x, start, length, high, low);                                        \
     }
 
 ZOLVEX_M_DEFINE_VECTOR_SCANS(U8, u8)

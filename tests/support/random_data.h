@@ -2,8 +2,11 @@
 // Random test vectors, reproducible from a seed.
 
 #include <cstdint>
+#include <iomanip>
 #include <limits>
 #include <random>
+#include <sstream>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -50,6 +53,19 @@ template <class T>
 bool same_bits(T a, T b) {
     static_assert(std::is_trivially_copyable_v<T>);
     return __builtin_memcmp(&a, &b, sizeof(T)) == 0;
+}
+
+// A sample as text for a failure message: integers as numbers (not as
+// characters), floating values with every digit they need.
+template <class T>
+std::string show(T x) {
+    if constexpr (std::is_integral_v<T>) {
+        return std::to_string(static_cast<int64_t>(x));
+    } else {
+        std::ostringstream out;
+        out << std::setprecision(std::numeric_limits<T>::max_digits10) << x;
+        return out.str();
+    }
 }
 
 } // namespace testing_support

@@ -403,6 +403,16 @@ TEST(TriggerScanChooser, FollowsTheOptionFlagsPerCall) {
         else
             EXPECT_TRUE(all_are(u16, ge, g::scan_le_u16, g::scan_gt_u16, g::scan_lt_u16, g::scan_outside_u16));
 
+        // "inside" (used by the index searches only) follows the same rule
+        // as the other scans of its type.
+        EXPECT_EQ(u8.inside, c.u8 == ChooserCase::avx2    ? a::scan_inside_u8
+                             : c.u8 == ChooserCase::sse42 ? s::scan_inside_u8
+                                                          : g::scan_inside_u8);
+        EXPECT_EQ(u16.inside, c.u16_sse42 ? s::scan_inside_u16 : g::scan_inside_u16);
+        EXPECT_EQ(trigger::choose_scans<int16_t>().inside, g::scan_inside_i16);
+        EXPECT_EQ(trigger::choose_scans<float>().inside, g::scan_inside_f32);
+        EXPECT_EQ(trigger::choose_scans<double>().inside, g::scan_inside_f64);
+
         // The other types have no vector scans at all.
         EXPECT_TRUE(all_are(trigger::choose_scans<int16_t>(), g::scan_ge_i16, g::scan_le_i16, g::scan_gt_i16,
                                 g::scan_lt_i16, g::scan_outside_i16));
@@ -416,17 +426,17 @@ TEST(TriggerScanChooser, FollowsTheOptionFlagsPerCall) {
 // ---------------------------------------------------------------------------
 // Vector scan kernels against the generic scan.
 
-enum class Condition { ge, le, gt, lt, outside };
+enum class Condition { ge, le, gt, lt, outside, inside };
 
 const char* condition_name(Condition c) {
-    static const char* names[] = {"ge", "le", "gt", "lt", "outside"};
+    static const char* names[] = {"ge", "le", "gt", "lt", "outside", "inside"};
     return names[static_cast<int>(c)];
 }
 
 template <class T>
 struct Levels {
     T level;  // ge/le/gt/lt
-    T high;   // outside
+    T high;   // outside, inside
     T low;
 };
 
@@ -437,6 +447,7 @@ bool satisfies(Condition c, T x, const Levels<T>& l) {
     case Condition::le: return x <= l.level;
     case Condition::gt: return x > l.level;
     case Condition::lt: return x < l.level;
+    case Condition::inside: return x >= l.low && x <= l.high;
     default: return x > l.high || x < l.low;
     }
 }
@@ -450,7 +461,7 @@ struct KernelPair {
     trigger::BandScanKernel<T> band = nullptr, band_reference = nullptr;
 
     uint32_t run(bool vector, const T* x, uint32_t start, uint32_t length, const Levels<T>& l) const {
-        if (condition == Condition::outside)
+        if (condition == Condition::outside || condition == Condition::inside)
             return (vector ? band : band_reference)(x, start, length, l.high, l.low);
         return (vector ? kernel : reference)(x, start, length, l.level);
     }
@@ -465,7 +476,9 @@ std::vector<KernelPair<T>> vector_kernels();
     {#ns "::scan_gt_" #suffix, Condition::gt, trigger::ns::scan_gt_##suffix, trigger::generic::scan_gt_##suffix}, \
     {#ns "::scan_lt_" #suffix, Condition::lt, trigger::ns::scan_lt_##suffix, trigger::generic::scan_lt_##suffix}, \
     {#ns "::scan_outside_" #suffix, Condition::outside, nullptr, nullptr,                          \
-     trigger::ns::scan_outside_##suffix, trigger::generic::scan_outside_##suffix}
+     trigger::ns::scan_outside_##suffix, trigger::generic::scan_outside_##suffix},                  \
+    {#ns "::scan_inside_" #suffix, Condition::inside, nullptr, nullptr,                            \
+     trigger::ns::scan_inside_##suffix, trigger::generic::scan_inside_##suffix}
 
 template <>
 std::vector<KernelPair<uint8_t>> vector_kernels<uint8_t>() {
@@ -491,7 +504,7 @@ std::vector<Levels<T>> level_sets(Condition c, std::mt19937& rng) {
     constexpr T kMax = std::numeric_limits<T>::max();
     T mid = static_cast<T>(kMax / 2 + 3);
     T r = static_cast<T>(rng());
-    if (c == Condition::outside)
+    if (c == Condition::outside || c == Condition::inside)
         return {{0, static_cast<T>(mid + 9), static_cast<T>(mid - 9)}, {0, mid, mid},  {0, kMax, 0},
                 {0, static_cast<T>(kMax - 1), 1},                     {0, 0, kMax},    {0, static_cast<T>(mid - 4), static_cast<T>(mid + 4)},
                 {0, r, static_cast<T>(r / 2)}};

@@ -40,6 +40,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/regime_runs.h"
 #include "support/regimes.h"
 #include "trigger/scan.h"
 #include "trigger/signal_maker.h"
@@ -265,17 +266,7 @@ inline void expect_scans_of(const ScanRegime& regime) {
 
 template <class F>
 void in_every_regime(F&& check) {
-    testing_support::OptionsSnapshot restore;
-    for (const auto& regime : scan_regimes()) {
-        if (!testing_support::apply_regime(regime.options)) {
-            std::cout << "[   NOTE   ] this processor lacks regime " << regime.options.name << "; not tested\n";
-            continue;
-        }
-        SCOPED_TRACE("regime " + regime.options.name);
-        expect_scans_of(regime);
-        check();
-        if (::testing::Test::HasFailure()) return;
-    }
+    testing_support::in_each_regime(scan_regimes(), expect_scans_of, check);
 }
 
 inline uint64_t seed_of(const std::string& name, uint64_t salt) {

@@ -8,13 +8,13 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <iomanip>
 #include <limits>
 #include <random>
-#include <sstream>
 #include <string>
 #include <type_traits>
 #include <vector>
+
+#include "support/random_data.h"
 
 namespace trigger_testing {
 
@@ -23,16 +23,7 @@ namespace trigger_testing {
 template <class T>
 using Levels = std::array<T, 4>;
 
-template <class T>
-std::string show(T x) {
-    if constexpr (std::is_integral_v<T>) {
-        return std::to_string(static_cast<int64_t>(x));
-    } else {
-        std::ostringstream out;
-        out << std::setprecision(std::numeric_limits<T>::max_digits10) << x;
-        return out.str();
-    }
-}
+using testing_support::show;
 
 // ---------------------------------------------------------------------------
 // Random levels and signals that cross them often.

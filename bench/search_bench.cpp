@@ -38,8 +38,9 @@ template <class Call>
 void run(benchmark::State& state, size_t bytes, Call call) {
     int64_t regime = state.range(1);
     if (!choose_backend(regime))
-        return state.SkipWithError(regime == kIpp ? "accelerator not loaded (tools/run-bench puts it on the search path)"
-                                                  : "regime not supported");
+        return state.SkipWithError(regime == kIpp
+                                       ? "accelerator not loaded (tools/run-bench puts it on the search path)"
+                                       : "regime not supported");
     for (auto _ : state) call();
     zolvex_m_setopt(ZOLVEX_M_OPT_IPP, 0);
     report_bytes(state, static_cast<int64_t>(bytes), double(bytes));

@@ -92,8 +92,9 @@ int32_t add_f64_sum(const double* x, uint32_t length, double* sum) noexcept {
     if (core::option_on(ZOLVEX_M_OPT_IPP)) {
         double local = 0.0;
         int len = static_cast<int>(length);
-        int status = kSquares ? lib::ipp::table<lib::ipp::DotProduct<double>>(lib::ipp::Fn::ippsDotProd_64f)(x, x, len, &local)
-                              : lib::ipp::table<lib::ipp::Sum<double>>(lib::ipp::Fn::ippsSum_64f)(x, len, &local);
+        using lib::ipp::Fn;
+        int status = kSquares ? lib::ipp::table<lib::ipp::DotProduct<double>>(Fn::ippsDotProd_64f)(x, x, len, &local)
+                              : lib::ipp::table<lib::ipp::Sum<double>>(Fn::ippsSum_64f)(x, len, &local);
         if (status != 0) return core::map_accelerator_status(status);
         *sum += local;
         return 0;
@@ -119,7 +120,8 @@ int32_t add_f32_sum(const float* x, uint32_t length, Total* sum) noexcept {
 
 } // namespace search
 
-#define ZOLVEX_M_INTEGER_SUMS(X) X(u8, uint8_t, uint64_t) X(u16, uint16_t, uint64_t) X(u32, uint32_t, uint64_t) X(i16, int16_t, int64_t)
+#define ZOLVEX_M_INTEGER_SUMS(X)                                                                   \
+    X(u8, uint8_t, uint64_t) X(u16, uint16_t, uint64_t) X(u32, uint32_t, uint64_t) X(i16, int16_t, int64_t)
 
 #define ZOLVEX_M_EXPORT_INTEGER_SUM(suffix, T, Total)                                              \
     int32_t zolvex_m_sum_##suffix(const T* data, uint32_t length, Total* sum) {                    \

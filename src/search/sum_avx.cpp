@@ -1,7 +1,8 @@
 // AVX f64 sums: four partial sums, one vector of four lanes, in the order
-// sum.h gives (each add waits for the previous one of its lane, so this
-// kernel runs at the adder's latency, not its throughput: the order is the
-// point, not the speed).
+// sum.h gives. That order is what the AVX option promises its callers; it
+// leaves one chain of dependent adds per lane, so this kernel runs at the
+// adder's latency rather than its throughput (more accumulators would
+// change the result).
 
 #include <cstddef>
 #include <cstdint>

@@ -243,6 +243,88 @@ ZOLVEX_M_API int32_t zolvex_m_shr_clip_u16(const uint16_t* x, uint16_t* out, uin
 /* Search and statistics                                                    */
 /* ------------------------------------------------------------------------ */
 /* (min/max and sums) */
+/* Block statistics: the smallest and largest sample, the sum and the sum of
+ * squares. data and the result pointers of the sums are not tested for
+ * null; the min/max result pointers may be NULL.
+ *
+ * zolvex_m_minmax_*: writes the smallest sample of data[0..length) to *min
+ * and the largest to *max, each only where the pointer is not NULL (with one
+ * of them NULL only the other extreme is computed).
+ *  - Integers compare with their type's signedness: the bytes 0x80, 0x7F
+ *    give -128 and 127 as i8, 127 and 128 as u8.
+ *  - f32/f64 follow one rule in sample order: the running minimum m becomes
+ *    the sample x unless x > m, the running maximum M becomes x unless
+ *    M > x. So a NaN sample replaces both and the next sample replaces them
+ *    again: the results are the extremes of the samples after the last NaN,
+ *    or that NaN (both) when the last sample is NaN ({1, NaN, 5, 2} gives
+ *    min 2, max 5). Of equal samples the later one counts, which shows only
+ *    with zeros: {-0.0, +0.0} gives +0.0 for both.
+ *  - Returns 0. Both pointers NULL: returns 0 without reading data. length 0
+ *    (a block without samples has no extremes): returns
+ *    ZOLVEX_M_STATUS_ERROR_DATA_LENGTH and reads and writes nothing.
+ *  - Kernels for u8, i16, u16, f32, f64: SSE4.2, AVX2 (with FMA3) and
+ *    AVX-512 (F with CD, and BW for u8, i16, u16), each with the results of
+ *    the rule above in every case, NaN and signed zeros included. The other
+ *    types use the rule as written.
+ *  - ZOLVEX_M_OPT_IPP on (u8, i16, u16, f32, f64 only; this comes before
+ *    everything above): the accelerator computes both extremes, reading the
+ *    data even when both pointers are NULL. For data without NaN its values
+ *    are those of the rule; with NaN samples they are its own. Its status
+ *    decides: any error or warning (length 0 included) returns
+ *    ZOLVEX_M_STATUS_FAILED and writes nothing. */
+ZOLVEX_M_API int32_t zolvex_m_minmax_i8(const int8_t* data, uint32_t length, int8_t* min, int8_t* max);
+ZOLVEX_M_API int32_t zolvex_m_minmax_i16(const int16_t* data, uint32_t length, int16_t* min, int16_t* max);
+ZOLVEX_M_API int32_t zolvex_m_minmax_i32(const int32_t* data, uint32_t length, int32_t* min, int32_t* max);
+ZOLVEX_M_API int32_t zolvex_m_minmax_i64(const int64_t* data, uint32_t length, int64_t* min, int64_t* max);
+ZOLVEX_M_API int32_t zolvex_m_minmax_u8(const uint8_t* data, uint32_t length, uint8_t* min, uint8_t* max);
+ZOLVEX_M_API int32_t zolvex_m_minmax_u16(const uint16_t* data, uint32_t length, uint16_t* min, uint16_t* max);
+ZOLVEX_M_API int32_t zolvex_m_minmax_u32(const uint32_t* data, uint32_t length, uint32_t* min, uint32_t* max);
+ZOLVEX_M_API int32_t zolvex_m_minmax_u64(const uint64_t* data, uint32_t length, uint64_t* min, uint64_t* max);
+ZOLVEX_M_API int32_t zolvex_m_minmax_f32(const float* data, uint32_t length, float* min, float* max);
+ZOLVEX_M_API int32_t zolvex_m_minmax_f64(const double* data, uint32_t length, double* min, double* max);
+
+/* The sums add to the value already at *sum: set it to 0 before the first
+ * block of a record and call once per block to get the record's total.
+ *
+ * zolvex_m_sum_u8, _u16, _u32, _i16: *sum += the sum of the samples widened
+ * to 64 bits (i16 sign-extended), modulo 2^64 (an i16 sum of {-1} added to
+ * 0 gives -1). Exact, so every kernel gives the same total: SSE4.2, AVX2
+ * (with FMA3), AVX-512 (F with CD, and BW for u8, u16, i16). length 0
+ * leaves *sum as it is. Returns 0. */
+ZOLVEX_M_API int32_t zolvex_m_sum_u8(const uint8_t* data, uint32_t length, uint64_t* sum);
+ZOLVEX_M_API int32_t zolvex_m_sum_u16(const uint16_t* data, uint32_t length, uint64_t* sum);
+ZOLVEX_M_API int32_t zolvex_m_sum_u32(const uint32_t* data, uint32_t length, uint64_t* sum);
+ZOLVEX_M_API int32_t zolvex_m_sum_i16(const int16_t* data, uint32_t length, int64_t* sum);
+
+/* zolvex_m_sum_f32: the samples added in order in double precision, then
+ * *sum added and the total stored rounded to float ({2.0} added to 1.0
+ * gives 3.0). zolvex_m_square_sum_f32: the squares (exact in double) added
+ * in order in double precision, then *sum (a double) added. One kernel
+ * each. length 0 adds 0.0 (so *sum stays, except that -0.0 becomes +0.0).
+ * Return 0. */
+ZOLVEX_M_API int32_t zolvex_m_sum_f32(const float* data, uint32_t length, float* sum);
+ZOLVEX_M_API int32_t zolvex_m_square_sum_f32(const float* data, uint32_t length, double* sum);
+
+/* zolvex_m_sum_f64, zolvex_m_square_sum_f64: *sum plus the samples (or
+ * their squares x * x, each rounded before it is added), in an order that
+ * depends on the options, so the last bits of the result do too (the same
+ * options and data always give the same bits):
+ *  - ZOLVEX_M_OPT_IPP on: the accelerator's sum (or its dot product of the
+ *    data with itself) added to *sum; any error or warning it reports
+ *    (length 0 included) returns ZOLVEX_M_STATUS_FAILED with *sum
+ *    untouched;
+ *  - else ZOLVEX_M_OPT_AVX on: four partial sums, partial k (k = 0..3)
+ *    taking the samples i with i % 4 == k in order, over the largest
+ *    multiple of 4 samples; then the remaining 0 to 3 samples are added one
+ *    by one to *sum, then the four partial sums in the order k = 0..3;
+ *  - else ZOLVEX_M_OPT_SSE42 on: the same with sixteen partial sums
+ *    (i % 16 == k) and 0 to 15 remaining samples;
+ *  - else: the samples in order from the first into an accumulator starting
+ *    at 0.0, then *sum added.
+ * Without the accelerator length 0 adds 0.0 as above. Return 0 except as
+ * said for the accelerator. */
+ZOLVEX_M_API int32_t zolvex_m_sum_f64(const double* data, uint32_t length, double* sum);
+ZOLVEX_M_API int32_t zolvex_m_square_sum_f64(const double* data, uint32_t length, double* sum);
 
 /* (linear histograms) */
 

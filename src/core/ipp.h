@@ -56,6 +56,13 @@ template <class T>
 using WithConstant = IppStatus (*)(const T* src, T value, T* dst, int len);
 template <class T>
 using WithConstantInPlace = IppStatus (*)(T value, T* src_dst, int len);
+// ippsMinMax, ippsSum and ippsDotProd.
+template <class T>
+using MinMax = IppStatus (*)(const T* src, int len, T* min, T* max);
+template <class T>
+using Sum = IppStatus (*)(const T* src, int len, T* sum);
+template <class T>
+using DotProduct = IppStatus (*)(const T* src1, const T* src2, int len, T* product);
 
 template <class Signature>
 Signature table(Fn f) noexcept {

@@ -351,10 +351,9 @@ ZOLVEX_M_API int32_t zolvex_m_square_sum_f64(const double* data, uint32_t length
  * f32/f64: a NaN sample meets no condition, and a NaN level is never
  * reached (gt, gte, lt, lte and in then find nothing; out tests only its
  * other level). -0.0 and +0.0 are equal.
- * Kernels: the u8 searches scan with AVX2 when the AVX2 and FMA3 options are
- * both on, else with SSE4.2 when that option is on; the u16 searches with
- * SSE4.2 when that option is on, except gte, which uses AVX2 when the AVX2
- * and FMA3 options are both on (else SSE4.2). i16, f32 and f64 are generic.
+ * Kernels: the u8 and u16 searches scan with AVX2 when the AVX2 and FMA3
+ * options are both on, else with SSE4.2 when that option is on. i16, f32
+ * and f64 are generic.
  * All give the generic kernels' index. These are the trigger searches' scans:
  * whole groups of 64 samples are tested at once, so a hit far from the start
  * costs little.
@@ -485,12 +484,9 @@ ZOLVEX_M_API int32_t zolvex_m_index_min_f64(const double* data, uint32_t length,
  *    (ZOLVEX_M_STATUS_OUT_OF_MEMORY) when the block cannot be allocated, in
  *    which case *state stays NULL and *position is untouched.
  *  - data, position and state are not tested for null.
- * Kernels: the u8 searches use AVX2 when the AVX2 and FMA3 options are both
- * on, else SSE4.2 when that option is on; the u16 searches use SSE4.2 for
- * every scan except the one for "at or above a level" (rising after
- * arming, any after arming low), which uses AVX2 when the AVX2 and FMA3
- * options are both on. i16, f32 and f64 are generic. All give the generic
- * kernels' results. */
+ * Kernels: the u8 and u16 searches scan with AVX2 when the AVX2 and FMA3
+ * options are both on, else with SSE4.2 when that option is on. i16, f32
+ * and f64 are generic. All give the generic kernels' results. */
 ZOLVEX_M_API int32_t zolvex_m_trigger_edge_rising_u8(const uint8_t* data, uint32_t length, uint8_t arm_level,
     uint8_t trigger_level, uint32_t* position, void** state);
 ZOLVEX_M_API int32_t zolvex_m_trigger_edge_falling_u8(const uint8_t* data, uint32_t length, uint8_t arm_level,

@@ -53,49 +53,32 @@ ZOLVEX_M_DEFINE_GENERIC_SCANS(double, f64)
 
 } // namespace generic
 
-template <>
-ScanSet<uint8_t> choose_scans<uint8_t>() noexcept {
-    // The 256-bit kernels halve the instructions per byte; the SSE4.2 ones
-    // stay the choice whenever AVX2 or FMA3 is off.
-    if (core::avx2_fma3_on())
-        return {avx2::scan_ge_u8, avx2::scan_le_u8, avx2::scan_gt_u8, avx2::scan_lt_u8, avx2::scan_outside_u8,
-                avx2::scan_inside_u8};
-    if (core::option_on(ZOLVEX_M_OPT_SSE42))
-        return {sse42::scan_ge_u8, sse42::scan_le_u8, sse42::scan_gt_u8, sse42::scan_lt_u8, sse42::scan_outside_u8,
-                sse42::scan_inside_u8};
-    return {generic::scan_ge_u8, generic::scan_le_u8, generic::scan_gt_u8, generic::scan_lt_u8,
-            generic::scan_outside_u8, generic::scan_inside_u8};
-}
+#define ZOLVEX_M_SCAN_SET(ns, suffix)                                                              \
+    {ns::scan_ge_##suffix, ns::scan_le_##suffix, ns::scan_gt_##suffix, ns::scan_lt_##suffix,       \
+     ns::scan_outside_##suffix, ns::scan_inside_##suffix}
 
-template <>
-ScanSet<uint16_t> choose_scans<uint16_t>() noexcept {
-    ScanSet<uint16_t> scans = {generic::scan_ge_u16, generic::scan_le_u16, generic::scan_gt_u16,
-                               generic::scan_lt_u16, generic::scan_outside_u16, generic::scan_inside_u16};
-    if (core::option_on(ZOLVEX_M_OPT_SSE42))
-        scans = {sse42::scan_ge_u16, sse42::scan_le_u16, sse42::scan_gt_u16, sse42::scan_lt_u16,
-                 sse42::scan_outside_u16, sse42::scan_inside_u16};
-    // Independent of the SSE4.2 option: with AVX2 and FMA3 on but SSE4.2
-    // off, only this one scan is vectorised.
-    if (core::avx2_fma3_on()) scans.ge = avx2::scan_ge_u16;
-    return scans;
-}
+// The 256-bit kernels halve the instructions per sample; the SSE4.2 ones
+// stay the choice whenever AVX2 or FMA3 is off.
+#define ZOLVEX_M_CHOOSE_VECTOR_SCANS(T, suffix)                                                    \
+    template <>                                                                                    \
+    ScanSet<T> choose_scans<T>() noexcept {                                                        \
+        if (core::avx2_fma3_on()) return ZOLVEX_M_SCAN_SET(avx2, suffix);                          \
+        if (core::option_on(ZOLVEX_M_OPT_SSE42)) return ZOLVEX_M_SCAN_SET(sse42, suffix);          \
+        return ZOLVEX_M_SCAN_SET(generic, suffix);                                                 \
+    }
+ZOLVEX_M_CHOOSE_VECTOR_SCANS(uint8_t, u8)
+ZOLVEX_M_CHOOSE_VECTOR_SCANS(uint16_t, u16)
+#undef ZOLVEX_M_CHOOSE_VECTOR_SCANS
 
-template <>
-ScanSet<int16_t> choose_scans<int16_t>() noexcept {
-    return {generic::scan_ge_i16, generic::scan_le_i16, generic::scan_gt_i16, generic::scan_lt_i16,
-            generic::scan_outside_i16, generic::scan_inside_i16};
-}
-
-template <>
-ScanSet<float> choose_scans<float>() noexcept {
-    return {generic::scan_ge_f32, generic::scan_le_f32, generic::scan_gt_f32, generic::scan_lt_f32,
-            generic::scan_outside_f32, generic::scan_inside_f32};
-}
-
-template <>
-ScanSet<double> choose_scans<double>() noexcept {
-    return {generic::scan_ge_f64, generic::scan_le_f64, generic::scan_gt_f64, generic::scan_lt_f64,
-            generic::scan_outside_f64, generic::scan_inside_f64};
-}
+#define ZOLVEX_M_CHOOSE_GENERIC_SCANS(T, suffix)                                                   \
+    template <>                                                                                    \
+    ScanSet<T> choose_scans<T>() noexcept {                                                        \
+        return ZOLVEX_M_SCAN_SET(generic, suffix);                                                 \
+    }
+ZOLVEX_M_CHOOSE_GENERIC_SCANS(int16_t, i16)
+ZOLVEX_M_CHOOSE_GENERIC_SCANS(float, f32)
+ZOLVEX_M_CHOOSE_GENERIC_SCANS(double, f64)
+#undef ZOLVEX_M_CHOOSE_GENERIC_SCANS
+#undef ZOLVEX_M_SCAN_SET
 
 } // namespace trigger

@@ -45,11 +45,10 @@ ZOLVEX_M_DECLARE_SCAN_KERNELS(uint8_t, u8)
 ZOLVEX_M_DECLARE_SCAN_KERNELS(uint16_t, u16)
 } // namespace sse42
 
-// 256-bit kernels: every u8 scan, and of the u16 scans only "at or above",
-// the one a rising edge spends its time in once armed.
+// 256-bit kernels: every scan of both types.
 namespace avx2 {
 ZOLVEX_M_DECLARE_SCAN_KERNELS(uint8_t, u8)
-uint32_t scan_ge_u16(const uint16_t* x, uint32_t start, uint32_t length, uint16_t level) noexcept;
+ZOLVEX_M_DECLARE_SCAN_KERNELS(uint16_t, u16)
 } // namespace avx2
 
 #undef ZOLVEX_M_DECLARE_SCAN_KERNELS
@@ -67,10 +66,8 @@ struct ScanSet {
 
 // Chosen per call from the option flags (a search never caches them, so a
 // setopt between two blocks takes effect on the next block):
-//  - u8: every condition on AVX2 when the AVX2 and FMA3 options are both on,
-//    else SSE4.2 when that option is on, else generic;
-//  - u16: ge on AVX2 when the AVX2 and FMA3 options are both on, else like
-//    the other conditions: SSE4.2 when that option is on, else generic;
+//  - u8 and u16: every condition on AVX2 when the AVX2 and FMA3 options are
+//    both on, else SSE4.2 when that option is on, else generic;
 //  - i16, f32, f64: generic.
 template <class T>
 ScanSet<T> choose_scans() noexcept;

@@ -1,5 +1,5 @@
-// AVX2 level scans: every condition for u8 samples, "at or above" for u16
-// samples. Same index as the generic scans in every case.
+// AVX2 level scans: every condition for u8 and u16 samples. Same index as
+// the generic scans in every case.
 
 #include <immintrin.h>
 
@@ -50,27 +50,7 @@ struct U16 {
 
 #include "trigger/scan_loops.inc"
 
-uint32_t scan_ge_u8(const uint8_t* x, uint32_t start, uint32_t length, uint8_t level) noexcept {
-    return scan<U8>(x, start, length, Ge<U8>(level));
-}
-uint32_t scan_le_u8(const uint8_t* x, uint32_t start, uint32_t length, uint8_t level) noexcept {
-    return scan<U8>(x, start, length, Le<U8>(level));
-}
-uint32_t scan_gt_u8(const uint8_t* x, uint32_t start, uint32_t length, uint8_t level) noexcept {
-    return scan<U8>(x, start, length, Gt<U8>(level));
-}
-uint32_t scan_lt_u8(const uint8_t* x, uint32_t start, uint32_t length, uint8_t level) noexcept {
-    return scan<U8>(x, start, length, Lt<U8>(level));
-}
-uint32_t scan_outside_u8(const uint8_t* x, uint32_t start, uint32_t length, uint8_t high, uint8_t low) noexcept {
-    return scan_outside<U8>(x, start, length, high, low);
-}
-uint32_t scan_inside_u8(const uint8_t* x, uint32_t start, uint32_t length, uint8_t high, uint8_t low) noexcept {
-    return scan_inside<U8>(x, start, length, high, low);
-}
-
-uint32_t scan_ge_u16(const uint16_t* x, uint32_t start, uint32_t length, uint16_t level) noexcept {
-    return scan<U16>(x, start, length, Ge<U16>(level));
-}
+ZOLVEX_M_DEFINE_VECTOR_SCANS(U8, u8)
+ZOLVEX_M_DEFINE_VECTOR_SCANS(U16, u16)
 
 } // namespace trigger::avx2

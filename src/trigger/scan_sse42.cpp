@@ -50,30 +50,7 @@ struct U16 {
 
 #include "trigger/scan_loops.inc"
 
-#define ZOLVEX_M_DEFINE_VECTOR_SCANS(L, suffix)                                                    \
-    uint32_t scan_ge_##suffix(const L::T* x, uint32_t start, uint32_t length, L::T level) noexcept { \
-        return scan<L>(x, start, length, Ge<L>(level));                                            \
-    }                                                                                              \
-    uint32_t scan_le_##suffix(const L::T* x, uint32_t start, uint32_t length, L::T level) noexcept { \
-        return scan<L>(x, start, length, Le<L>(level));                                            \
-    }                                                                                              \
-    uint32_t scan_gt_##suffix(const L::T* x, uint32_t start, uint32_t length, L::T level) noexcept { \
-        return scan<L>(x, start, length, Gt<L>(level));                                            \
-    }                                                                                              \
-    uint32_t scan_lt_##suffix(const L::T* x, uint32_t start, uint32_t length, L::T level) noexcept { \
-        return scan<L>(x, start, length, Lt<L>(level));                                            \
-    }                                                                                              \
-    uint32_t scan_outside_##suffix(const L::T* x, uint32_t start, uint32_t length, L::T high,      \
-                                   L::T low) noexcept {                                            \
-        return scan_outside<L>(x, start, length, high, low);                                   \
-    }                                                                                              \
-    uint32_t scan_inside_##suffix(const L::T* x, uint32_t start, uint32_t length, L::T high,       \
-                                  L::T low) noexcept {                                             \
-        return scan_inside<L>(x, start, length, high, low);                                        \
-    }
-
 ZOLVEX_M_DEFINE_VECTOR_SCANS(U8, u8)
 ZOLVEX_M_DEFINE_VECTOR_SCANS(U16, u16)
-#undef ZOLVEX_M_DEFINE_VECTOR_SCANS
 
 } // namespace trigger::sse42

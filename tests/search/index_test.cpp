@@ -315,7 +315,7 @@ uint64_t seed_of(const char* type, uint64_t salt) {
 struct IndexRegime {
     testing_support::Regime options;
     bool sse42;  // SSE4.2 scans for u8 and u16
-    bool avx2;   // AVX2 scans for u8 and the u16 gte search
+    bool avx2;   // AVX2 scans for u8 and u16 (whatever the SSE4.2 option)
 };
 
 const std::vector<IndexRegime>& index_regimes() {
@@ -334,8 +334,9 @@ void expect_scans_of(const IndexRegime& regime) {
     EXPECT_EQ(u8.inside == &trigger::avx2::scan_inside_u8, regime.avx2);
     EXPECT_EQ(u8.gt != &trigger::generic::scan_gt_u8, regime.sse42 || regime.avx2);
     EXPECT_EQ(u16.ge == &trigger::avx2::scan_ge_u16, regime.avx2);
-    EXPECT_EQ(u16.inside == &trigger::sse42::scan_inside_u16, regime.sse42);
-    EXPECT_EQ(u16.outside == &trigger::sse42::scan_outside_u16, regime.sse42);
+    EXPECT_EQ(u16.inside == &trigger::avx2::scan_inside_u16, regime.avx2);
+    EXPECT_EQ(u16.outside == &trigger::sse42::scan_outside_u16, regime.sse42 && !regime.avx2);
+    EXPECT_EQ(u16.lt != &trigger::generic::scan_lt_u16, regime.sse42 || regime.avx2);
 }
 
 template <class F>

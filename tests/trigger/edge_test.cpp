@@ -345,9 +345,7 @@ struct ChooserCase {
     const char* name;
     std::function<bool()> apply;  // through only_options: all others off
     enum Level { generic, sse42, avx2 };
-    Level u8;        // every u8 scan
-    bool u16_sse42;  // u16: every scan but ge SSE4.2 (else generic)
-    Level u16_ge;
+    Level level;  // every u8 and u16 scan
 };
 
 template <class T>
@@ -359,22 +357,20 @@ bool all_are(const trigger::ScanSet<T>& s, trigger::ScanKernel<T> ge, trigger::S
 TEST(TriggerScanChooser, FollowsTheOptionFlagsPerCall) {
     OptionsSnapshot restore;
     const ChooserCase cases[] = {
-        {"none", [] { return only_options({}); }, ChooserCase::generic, false, ChooserCase::generic},
-        {"sse42", [] { return only_options({ZOLVEX_M_OPT_SSE42}); }, ChooserCase::sse42, true, ChooserCase::sse42},
-        {"avx2", [] { return only_options({ZOLVEX_M_OPT_AVX2}); }, ChooserCase::generic, false, ChooserCase::generic},
-        {"fma3", [] { return only_options({ZOLVEX_M_OPT_FMA3}); }, ChooserCase::generic, false, ChooserCase::generic},
-        {"avx2 fma3", [] { return only_options({ZOLVEX_M_OPT_AVX2, ZOLVEX_M_OPT_FMA3}); }, ChooserCase::avx2, false,
-         ChooserCase::avx2},
-        {"sse42 avx2", [] { return only_options({ZOLVEX_M_OPT_SSE42, ZOLVEX_M_OPT_AVX2}); }, ChooserCase::sse42, true,
-         ChooserCase::sse42},
+        {"none", [] { return only_options({}); }, ChooserCase::generic},
+        {"sse42", [] { return only_options({ZOLVEX_M_OPT_SSE42}); }, ChooserCase::sse42},
+        {"avx2", [] { return only_options({ZOLVEX_M_OPT_AVX2}); }, ChooserCase::generic},
+        {"fma3", [] { return only_options({ZOLVEX_M_OPT_FMA3}); }, ChooserCase::generic},
+        {"avx2 fma3", [] { return only_options({ZOLVEX_M_OPT_AVX2, ZOLVEX_M_OPT_FMA3}); }, ChooserCase::avx2},
+        {"sse42 avx2", [] { return only_options({ZOLVEX_M_OPT_SSE42, ZOLVEX_M_OPT_AVX2}); }, ChooserCase::sse42},
         {"sse42 avx2 fma3", [] { return only_options({ZOLVEX_M_OPT_SSE42, ZOLVEX_M_OPT_AVX2, ZOLVEX_M_OPT_FMA3}); },
-         ChooserCase::avx2, true, ChooserCase::avx2},
+         ChooserCase::avx2},
         {"all", [] {
              return only_options({ZOLVEX_M_OPT_SSE42, ZOLVEX_M_OPT_AVX, ZOLVEX_M_OPT_AVX2, ZOLVEX_M_OPT_FMA3,
                                   ZOLVEX_M_OPT_AVX512F, ZOLVEX_M_OPT_AVX512CD, ZOLVEX_M_OPT_AVX512BW,
                                   ZOLVEX_M_OPT_AVX512DQ});
          },
-         ChooserCase::avx2, true, ChooserCase::avx2},
+         ChooserCase::avx2},
     };
     namespace g = trigger::generic;
     namespace s = trigger::sse42;
@@ -385,30 +381,28 @@ TEST(TriggerScanChooser, FollowsTheOptionFlagsPerCall) {
             continue;
         }
 
-        auto u8 = trigger::choose_scans<uint8_t>();
         namespace a = trigger::avx2;
-        if (c.u8 == ChooserCase::avx2)
-            EXPECT_TRUE(all_are(u8, a::scan_ge_u8, a::scan_le_u8, a::scan_gt_u8, a::scan_lt_u8, a::scan_outside_u8));
-        else if (c.u8 == ChooserCase::sse42)
-            EXPECT_TRUE(all_are(u8, s::scan_ge_u8, s::scan_le_u8, s::scan_gt_u8, s::scan_lt_u8, s::scan_outside_u8));
-        else
-            EXPECT_TRUE(all_are(u8, g::scan_ge_u8, g::scan_le_u8, g::scan_gt_u8, g::scan_lt_u8, g::scan_outside_u8));
-
+        auto u8 = trigger::choose_scans<uint8_t>();
         auto u16 = trigger::choose_scans<uint16_t>();
-        trigger::ScanKernel<uint16_t> ge = c.u16_ge == ChooserCase::avx2    ? trigger::avx2::scan_ge_u16
-                                           : c.u16_ge == ChooserCase::sse42 ? s::scan_ge_u16
-                                                                            : g::scan_ge_u16;
-        if (c.u16_sse42)
-            EXPECT_TRUE(all_are(u16, ge, s::scan_le_u16, s::scan_gt_u16, s::scan_lt_u16, s::scan_outside_u16));
-        else
-            EXPECT_TRUE(all_are(u16, ge, g::scan_le_u16, g::scan_gt_u16, g::scan_lt_u16, g::scan_outside_u16));
+        if (c.level == ChooserCase::avx2) {
+            EXPECT_TRUE(all_are(u8, a::scan_ge_u8, a::scan_le_u8, a::scan_gt_u8, a::scan_lt_u8, a::scan_outside_u8));
+            EXPECT_TRUE(all_are(u16, a::scan_ge_u16, a::scan_le_u16, a::scan_gt_u16, a::scan_lt_u16, a::scan_outside_u16));
+        } else if (c.level == ChooserCase::sse42) {
+            EXPECT_TRUE(all_are(u8, s::scan_ge_u8, s::scan_le_u8, s::scan_gt_u8, s::scan_lt_u8, s::scan_outside_u8));
+            EXPECT_TRUE(all_are(u16, s::scan_ge_u16, s::scan_le_u16, s::scan_gt_u16, s::scan_lt_u16, s::scan_outside_u16));
+        } else {
+            EXPECT_TRUE(all_are(u8, g::scan_ge_u8, g::scan_le_u8, g::scan_gt_u8, g::scan_lt_u8, g::scan_outside_u8));
+            EXPECT_TRUE(all_are(u16, g::scan_ge_u16, g::scan_le_u16, g::scan_gt_u16, g::scan_lt_u16, g::scan_outside_u16));
+        }
 
         // "inside" (used by the index searches only) follows the same rule
         // as the other scans of its type.
-        EXPECT_EQ(u8.inside, c.u8 == ChooserCase::avx2    ? a::scan_inside_u8
-                             : c.u8 == ChooserCase::sse42 ? s::scan_inside_u8
-                                                          : g::scan_inside_u8);
-        EXPECT_EQ(u16.inside, c.u16_sse42 ? s::scan_inside_u16 : g::scan_inside_u16);
+        EXPECT_EQ(u8.inside, c.level == ChooserCase::avx2    ? a::scan_inside_u8
+                             : c.level == ChooserCase::sse42 ? s::scan_inside_u8
+                                                             : g::scan_inside_u8);
+        EXPECT_EQ(u16.inside, c.level == ChooserCase::avx2    ? a::scan_inside_u16
+                              : c.level == ChooserCase::sse42 ? s::scan_inside_u16
+                                                              : g::scan_inside_u16);
         EXPECT_EQ(trigger::choose_scans<int16_t>().inside, g::scan_inside_i16);
         EXPECT_EQ(trigger::choose_scans<float>().inside, g::scan_inside_f32);
         EXPECT_EQ(trigger::choose_scans<double>().inside, g::scan_inside_f64);
@@ -487,8 +481,7 @@ std::vector<KernelPair<uint8_t>> vector_kernels<uint8_t>() {
 
 template <>
 std::vector<KernelPair<uint16_t>> vector_kernels<uint16_t>() {
-    return {ZOLVEX_M_TEST_SCAN_PAIRS(sse42, uint16_t, u16),
-            {"avx2::scan_ge_u16", Condition::ge, trigger::avx2::scan_ge_u16, trigger::generic::scan_ge_u16}};
+    return {ZOLVEX_M_TEST_SCAN_PAIRS(sse42, uint16_t, u16), ZOLVEX_M_TEST_SCAN_PAIRS(avx2, uint16_t, u16)};
 }
 #undef ZOLVEX_M_TEST_SCAN_PAIRS
 

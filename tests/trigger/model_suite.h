@@ -236,13 +236,12 @@ private:
     void* state_ = nullptr;
 };
 
-// The kernel regimes: scalar, the SSE4.2 scans, and the AVX2+FMA3 scans
-// (with the 256-bit u16 "at or above" scan). Each regime is checked to run
+// The kernel regimes: scalar, the SSE4.2 scans, and the AVX2+FMA3 scans. Each regime is checked to run
 // what it is meant to: generic scans only, or vector scans for u8 and u16.
 struct ScanRegime {
     testing_support::Regime options;
     bool vector_scans;
-    bool wide_u16_ge;
+    bool wide_scans;
 };
 
 inline const std::vector<ScanRegime>& scan_regimes() {
@@ -261,7 +260,9 @@ inline void expect_scans_of(const ScanRegime& regime) {
     EXPECT_EQ(u8.lt != &trigger::generic::scan_lt_u8, regime.vector_scans);
     EXPECT_EQ(u16.le != &trigger::generic::scan_le_u16, regime.vector_scans);
     EXPECT_EQ(u16.outside != &trigger::generic::scan_outside_u16, regime.vector_scans);
-    EXPECT_EQ(u16.ge == &trigger::avx2::scan_ge_u16, regime.wide_u16_ge);
+    EXPECT_EQ(u8.le == &trigger::avx2::scan_le_u8, regime.wide_scans);
+    EXPECT_EQ(u16.ge == &trigger::avx2::scan_ge_u16, regime.wide_scans);
+    EXPECT_EQ(u16.outside == &trigger::avx2::scan_outside_u16, regime.wide_scans);
 }
 
 template <class F>

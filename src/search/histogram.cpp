@@ -9,6 +9,8 @@
 
 #include "search/histogram.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <type_traits>
 
@@ -16,24 +18,6 @@
 #include "zolvex_m.h"
 
 namespace search {
-
-namespace generic {
-
-template <class T>
-static ChunkCounts bin_numbers(const T* x, uint32_t n, const IntegerBinning& b, uint32_t* out) noexcept {
-    ChunkCounts counts = {0, 0, 0};
-    bin_numbers_one_by_one(x, 0, n, b, out, counts);
-    return counts;
-}
-
-ChunkCounts bin_numbers_i16(const int16_t* x, uint32_t n, const IntegerBinning& b, uint32_t* out) noexcept {
-    return bin_numbers(x, n, b, out);
-}
-ChunkCounts bin_numbers_u16(const uint16_t* x, uint32_t n, const IntegerBinning& b, uint32_t* out) noexcept {
-    return bin_numbers(x, n, b, out);
-}
-
-} // namespace generic
 
 namespace {
 
@@ -118,61 +102,96 @@ void count_values(const uint8_t* x, uint32_t n, ValueCounts& counts) noexcept {
     for (; i < n; ++i) ++counts.lanes[0][x[i]];
 }
 
+// The bins grow with the value, so the counts of neighbouring values that
+// share a bin are summed first and the counter written once per bin.
+template <class C>
+void add_values_to_bins(const uint32_t* times, uint8_t range_min, uint8_t range_max, double width,
+                        Counters<C>& c) noexcept {
+    const bool fast = c.bin_count <= kMaxFastBins;
+    const IntegerBinning b = integer_binning(range_min, range_max, fast ? c.bin_count : 1, width);
+    uint32_t current = 0, sum = 0;
+    for (uint32_t v = range_min; v <= range_max; ++v) {
+        if (times[v] == 0) continue;
+        uint32_t d = v - range_min;
+        uint32_t k = fast && b.exact ? exact_bin(d, b) : bin_of_quotient(d / width, c.bin_count - 1);
+        if (k != current && sum != 0) {
+            c.add_to_bin(current, sum);
+            sum = 0;
+        }
+        current = k;
+        sum += times[v];
+    }
+    if (sum != 0) c.add_to_bin(current, sum);
+}
+
 template <class C>
 void count_by_value(const uint8_t* x, uint32_t n, uint8_t range_min, uint8_t range_max, double width,
                     Counters<C>& c) noexcept {
     ValueCounts counts;
     std::memset(&counts, 0, sizeof counts);
     count_values(x, n, counts);
+    uint32_t times[256];
+    for (uint32_t v = 0; v < 256; ++v)
+        times[v] = counts.lanes[0][v] + counts.lanes[1][v] + counts.lanes[2][v] + counts.lanes[3][v];
     uint32_t below = 0, above = 0;
-    for (uint32_t v = 0; v < 256; ++v) {
-        uint32_t times = counts.lanes[0][v] + counts.lanes[1][v] + counts.lanes[2][v] + counts.lanes[3][v];
-        if (times == 0) continue;
-        if (v < range_min)
-            below += times;
-        else if (v > range_max)
-            above += times;
-        else
-            c.add_to_bin(bin_of_quotient(static_cast<double>(v - range_min) / width, c.bin_count - 1), times);
-    }
+    for (uint32_t v = 0; v < range_min; ++v) below += times[v];
+    // With the limits reversed, a value below range_min is not also above.
+    for (uint32_t v = std::max<uint32_t>(range_max + 1u, range_min); v < 256; ++v) above += times[v];
+    if (range_min <= range_max) add_values_to_bins(times, range_min, range_max, width, c);
     c.add_below(below);
     c.add_above(above);
 }
 
-// i16/u16: bin numbers a chunk at a time from the fastest kernel allowed,
-// then the increments.
-constexpr uint32_t kChunk = 1024;
-constexpr uint32_t kBinKernelsFrom = 16;
+// i16/u16: with an exact binning (nearly always), integer multiplication
+// finds the bins, in the vector kernels or one sample at a time; otherwise
+// the vector kernels multiply in double and divide near whole quotients, and
+// without them the division per sample is the fastest way.
+template <class T, class C>
+struct CountKernels;
+#define ZOLVEX_M_COUNT_KERNELS_OF(T, C, suffix)                                                    \
+    template <>                                                                                    \
+    struct CountKernels<T, C> {                                                                    \
+        static constexpr CountKernel<T, C> avx2 = avx2::count_##suffix;                            \
+        static constexpr CountKernel<T, C> avx512 = avx512::count_##suffix;                        \
+    };
+ZOLVEX_M_COUNT_KERNEL_TYPES(ZOLVEX_M_COUNT_KERNELS_OF)
+#undef ZOLVEX_M_COUNT_KERNELS_OF
 
-template <class T>
-BinKernel<T> choose_bin_kernel() noexcept {
-    if constexpr (std::is_same_v<T, int16_t>) {
-        if (core::avx512f_cd_on()) return avx512::bin_numbers_i16;
-        if (core::avx2_fma3_on()) return avx2::bin_numbers_i16;
-        return generic::bin_numbers_i16;
-    } else {
-        if (core::avx512f_cd_on()) return avx512::bin_numbers_u16;
-        if (core::avx2_fma3_on()) return avx2::bin_numbers_u16;
-        return generic::bin_numbers_u16;
+template <class T, class C>
+BlockCounts count_exact_one_by_one(const T* x, uint32_t n, const IntegerBinning& b, C* bins) noexcept {
+    uint32_t binned = 0, below = 0, above = 0;
+    for (uint32_t i = 0; i < n; ++i) {
+        int32_t v = x[i];
+        if (v < b.low) {
+            ++below;
+        } else if (v > b.high) {
+            ++above;
+        } else {
+            ++bins[exact_bin(static_cast<uint32_t>(v - b.low), b)];
+            ++binned;
+        }
     }
+    return {binned, below, above};
 }
 
 template <class T, class C>
-void count_by_chunks(const T* x, uint32_t n, T range_min, T range_max, double width, Counters<C>& c) noexcept {
+CountKernel<T, C> choose_count_kernel(const IntegerBinning& b) noexcept {
+    if (core::avx512f_cd_on()) return CountKernels<T, C>::avx512;
+    if (core::avx2_fma3_on()) return CountKernels<T, C>::avx2;
+    if (b.exact) return count_exact_one_by_one<T, C>;
+    return nullptr;
+}
+
+template <class T, class C>
+bool count_with_kernel(const T* x, uint32_t n, T range_min, T range_max, double width, Counters<C>& c) noexcept {
     const IntegerBinning binning = integer_binning(range_min, range_max, c.bin_count, width);
-    const BinKernel<T> kernel = choose_bin_kernel<T>();
-    uint32_t numbers[kChunk];
-    uint32_t below = 0, above = 0;
-    for (uint32_t start = 0; start < n; start += kChunk) {
-        uint32_t length = n - start < kChunk ? n - start : kChunk;
-        ChunkCounts counts = kernel(x + start, length, binning, numbers);
-        for (uint32_t j = 0; j < counts.binned; ++j) ++c.bins[numbers[j]];
-        c.counted += counts.binned;
-        below += counts.below;
-        above += counts.above;
-    }
-    c.add_below(below);
-    c.add_above(above);
+    const CountKernel<T, C> kernel = choose_count_kernel<T, C>(binning);
+    if (kernel == nullptr) return false;
+    const BlockCounts counts = kernel(x, n, binning, c.bins);
+    c.counted += counts.binned;
+    c.add_below(counts.below);
+    c.add_above(counts.above);
+    return true;
 }
 
 template <class T, class C>
@@ -189,10 +208,9 @@ uint32_t histogram(const T* x, uint32_t length, T range_min, T range_max, C* bin
         }
     }
     if constexpr (std::is_integral_v<T> && sizeof(T) == 2) {
-        if (has_bins && bin_count <= kMaxFastBins && length >= kBinKernelsFrom) {
-            count_by_chunks(x, length, range_min, range_max, width, c);
+        if (has_bins && bin_count <= kMaxFastBins && range_min <= range_max &&
+            count_with_kernel(x, length, range_min, range_max, width, c))
             return c.counted;
-        }
     }
     count_one_by_one(x, length, range_min, range_max, width, c);
     return c.counted;

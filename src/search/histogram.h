@@ -1,15 +1,14 @@
 #pragma once
-// Linear histograms: the bin rule and the bin kernels for 16-bit samples.
+// Linear histograms: the bin rule and the kernels for the integer sample
+// types.
 //
 // The bin of an in-range sample x is k = d / w truncated toward zero to a
 // signed 64-bit integer, low 32 bits taken, clamped to bin_count - 1, with
 // d = x - range_min and w = (range_max - range_min) / bin_count, both in
 // double. That costs one division per sample. For the integer sample types d
-// is a whole number below 2^16, which allows an exact shortcut: multiply by
-// 1/w instead, and fall back to the division only where the product is too
-// close to a whole number to be sure of the truncation (see
-// IntegerBinning). The bin kernels find the bins of a chunk of samples that
-// way; the caller increments the counters.
+// is a whole number below 2^16, and in almost every case the rule's bin is
+// the whole part of the exact quotient d * bin_count / span, which integer
+// multiplication finds (see IntegerBinning). The kernels count with it.
 //
 // Included by the per-instruction-set files: the helpers are defined with
 // internal linkage (an anonymous namespace), so no level's code can be merged
@@ -17,6 +16,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <numeric>
 
 #if defined(__x86_64__)
 #include <emmintrin.h>
@@ -27,64 +27,77 @@ namespace search {
 // The fixed part of the rule for one call with an integer sample type, for
 // range_min <= range_max and 1 <= bin_count <= kMaxFastBins.
 //
-// With q' = d * reciprocal (two roundings away from the exact d / w), the
-// literal truncation of the rounded quotient is found as follows:
-//  - w = P * 2^e with P odd and below 2^21 ("short" widths: every width whose
-//    bin_count is a power of two, and all whole-number widths): a quotient
-//    that is not a whole number stays at least 2^-21 away from one, so the
-//    rounding of the division cannot carry it over, and q' is within 2^-24
-//    of it for quotients below 2^28. Adding `bias` = 2^-22 before truncating
-//    lifts a q' just under a whole-number quotient back to it and can move
-//    no other q' over a whole number.
-//  - any other width: the quotient is never a whole number (for d > 0), but
-//    it can come as close to one as the roundings go. q' is trusted unless
-//    it lies within `margin` (2^-50, several roundings) of a whole number,
-//    relative to its size; those few samples take the division.
-// The quotient is first limited to `cap` = last + 0.5: anything beyond lands
-// in the last bin either way.
+// Let R = d * bin_count / span be the exact quotient (span = range_max -
+// range_min), Q = d / w the one the rule divides out (w is span / bin_count
+// rounded to double, so Q lies within R * 2^-53 of R), and fl(Q) its
+// rounding; with R <= 2^27, fl(Q) is within 2^-25 of R.
+//  - If R is not a whole number it is at least 1/span > 2^-16 away from
+//    one, so fl(Q) truncates to the whole part of R.
+//  - If R is a whole number j (d a multiple of span / gcd(span, bin_count)),
+//    fl(Q) truncates to j when Q >= j, that is whenever w was rounded down
+//    or is exact (every bin count that is a power of two, for one), and
+//    otherwise to j or j - 1 depending on j. In that case the few such d (at
+//    most 64) are tried once per call.
+// When every whole quotient truncates to itself ("exact"), the bin is
+// min(floor(R), last) for every d. floor(R) is d * M / 2^32 rounded down,
+// M = ceil(2^32 * bin_count / span): the product exceeds R by less than
+// d / 2^32 < 2^-16, too little to reach the next whole number. M has up to
+// 59 bits, so d * M / 2^32 = d * M_high + (d * M_low) / 2^32, with the
+// halves M_high and M_low of M.
+//
+// Otherwise (a few per cent of the ranges and bin counts) the bin is found
+// in double: q' = d * reciprocal, limited to `cap` = last + 0.5 (anything
+// beyond lands in the last bin either way), is within three roundings of Q
+// and truncates like it unless it lies within `margin` (2^-50) of a whole
+// number, relative to its size; those few samples take the division.
 struct IntegerBinning {
     int32_t low;  // range_min, range_max as 32-bit integers
     int32_t high;
-    double width;
-    double reciprocal;  // 1 / width; 0 when the width is 0 (every d is then 0)
-    double cap;
-    double bias;    // 2^-22 for short widths, else 0
-    double margin;  // 2^-50 when the division may have to decide, else 0
     uint32_t last;  // bin_count - 1
+    bool exact;
+    uint32_t multiplier_high;  // exact: M / 2^32
+    uint32_t multiplier_low;   // exact: M mod 2^32
+    double width;        // not exact: the rule's w
+    double reciprocal;   // not exact: 1 / w
+    double cap;          // not exact: last + 0.5
+    double margin;       // not exact: 2^-50
 };
 
 // Beyond this the quotients leave the range where the shortcut is proven
 // (and where 32-bit lanes hold them); such calls take the per-sample loop.
 constexpr uint32_t kMaxFastBins = uint32_t(1) << 27;
 
-// What a bin kernel found in one chunk: `binned` bin numbers were written
-// (in sample order, in-range samples only), and how many samples were below
-// and above the range.
-struct ChunkCounts {
+// What a kernel found in a block: how many samples it put into bins, and
+// how many were below and above the range.
+struct BlockCounts {
     uint32_t binned;
     uint32_t below;
     uint32_t above;
 };
 
-template <class T>
-using BinKernel = ChunkCounts (*)(const T* x, uint32_t n, const IntegerBinning& binning, uint32_t* bin_numbers) noexcept;
+// Increments bins[k] for the bin k of every in-range sample.
+template <class T, class C>
+using CountKernel = BlockCounts (*)(const T* x, uint32_t n, const IntegerBinning& binning, C* bins) noexcept;
 
-#define ZOLVEX_M_DECLARE_BIN_KERNELS                                                               \
-    ChunkCounts bin_numbers_i16(const int16_t* x, uint32_t n, const IntegerBinning& binning,        \
-                                uint32_t* bin_numbers) noexcept;                                   \
-    ChunkCounts bin_numbers_u16(const uint16_t* x, uint32_t n, const IntegerBinning& binning,       \
-                                uint32_t* bin_numbers) noexcept;
+// The (sample type, counter type) pairs of the counting kernels.
+#define ZOLVEX_M_COUNT_KERNEL_TYPES(X)                                                             \
+    X(int16_t, uint16_t, i16u16)                                                                   \
+    X(int16_t, uint32_t, i16u32)                                                                   \
+    X(int16_t, uint64_t, i16u64)                                                                   \
+    X(uint16_t, uint16_t, u16u16)                                                                  \
+    X(uint16_t, uint32_t, u16u32)                                                                  \
+    X(uint16_t, uint64_t, u16u64)
 
-namespace generic {
-ZOLVEX_M_DECLARE_BIN_KERNELS
-}
+#define ZOLVEX_M_DECLARE_COUNT_KERNEL(T, C, suffix)                                                \
+    BlockCounts count_##suffix(const T* x, uint32_t n, const IntegerBinning& binning, C* bins) noexcept;
+
 namespace avx2 {
-ZOLVEX_M_DECLARE_BIN_KERNELS
+ZOLVEX_M_COUNT_KERNEL_TYPES(ZOLVEX_M_DECLARE_COUNT_KERNEL)
 }
 namespace avx512 {
-ZOLVEX_M_DECLARE_BIN_KERNELS
+ZOLVEX_M_COUNT_KERNEL_TYPES(ZOLVEX_M_DECLARE_COUNT_KERNEL)
 }
-#undef ZOLVEX_M_DECLARE_BIN_KERNELS
+#undef ZOLVEX_M_DECLARE_COUNT_KERNEL
 
 namespace {
 
@@ -107,61 +120,48 @@ inline uint32_t bin_of_quotient(double q, uint32_t last) noexcept {
     return k > last ? last : k;
 }
 
-// The width is short when its significand, trailing zero bits dropped, is
-// below 2^21.
-inline bool is_short_width(double width) noexcept {
-    int exponent = 0;
-    uint64_t significand = static_cast<uint64_t>(std::ldexp(std::frexp(width, &exponent), 53));
-    while ((significand & 1) == 0) significand >>= 1;
-    return significand < (uint64_t(1) << 21);
-}
-
-// The binning of one call: range_min <= range_max, 1 <= bin_count <=
-// kMaxFastBins, width as the rule computes it.
-inline IntegerBinning integer_binning(int32_t low, int32_t high, uint32_t bin_count, double width) noexcept {
-    IntegerBinning b = {low, high, width, 0.0, 0.0, 0.0, 0.0, bin_count - 1};
-    b.cap = b.last + 0.5;
-    if (width > 0.0) {
-        b.reciprocal = 1.0 / width;
-        if (is_short_width(width))
-            b.bias = 0x1p-22;
-        else
-            b.margin = 0x1p-50;
-    }
-    return b;
-}
-
 // The literal rule for an in-range integer sample at distance d from
 // range_min.
 inline uint32_t divided_bin(uint32_t d, const IntegerBinning& b) noexcept {
     return bin_of_quotient(static_cast<double>(d) / b.width, b.last);
 }
 
-// The same bin through the multiplication (see IntegerBinning).
-inline uint32_t multiplied_bin(uint32_t d, const IntegerBinning& b) noexcept {
-    double q = static_cast<double>(d) * b.reciprocal;
-    q = (q < b.cap ? q : b.cap) + b.bias;
-    uint32_t k = static_cast<uint32_t>(static_cast<int32_t>(q));
-    double fraction = q - static_cast<double>(k);
-    double near = b.margin * q;
-    if (fraction < near || 1.0 - fraction < near) return divided_bin(d, b);
-    return k;
+// The bin of an exact binning: min(floor(d * bin_count / span), last).
+inline uint32_t exact_bin(uint32_t d, const IntegerBinning& b) noexcept {
+    uint32_t k = d * b.multiplier_high + static_cast<uint32_t>((uint64_t(d) * b.multiplier_low) >> 32);
+    return k > b.last ? b.last : k;
 }
 
-// Bins of x[i..n) one sample at a time, appended at bin_numbers[counts.binned];
-// the tail of every kernel.
-template <class T>
-inline void bin_numbers_one_by_one(const T* x, uint32_t i, uint32_t n, const IntegerBinning& b,
-                                   uint32_t* bin_numbers, ChunkCounts& counts) noexcept {
-    for (; i < n; ++i) {
-        int32_t v = x[i];
-        if (v < b.low)
-            ++counts.below;
-        else if (v > b.high)
-            ++counts.above;
-        else
-            bin_numbers[counts.binned++] = multiplied_bin(static_cast<uint32_t>(v - b.low), b);
+// Whether every d whose exact quotient is a whole number below bin_count
+// gets that number by the rule.
+inline bool whole_quotients_agree(const IntegerBinning& b, uint32_t span) noexcept {
+    const uint32_t bin_count = b.last + 1;
+    // w * bin_count <= span exactly: w was rounded down, or is exact.
+    if (std::fma(b.width, static_cast<double>(bin_count), -static_cast<double>(span)) <= 0.0) return true;
+    const uint32_t whole = std::gcd(span, bin_count);
+    if (whole > 65) return false;
+    const uint32_t step = span / whole;
+    for (uint32_t m = 1; m < whole; ++m)
+        if (exact_bin(m * step, b) != divided_bin(m * step, b)) return false;
+    return true;
+}
+
+// The binning of one call: range_min <= range_max, 1 <= bin_count <=
+// kMaxFastBins, width as the rule computes it.
+inline IntegerBinning integer_binning(int32_t low, int32_t high, uint32_t bin_count, double width) noexcept {
+    IntegerBinning b = {low, high, bin_count - 1, true, 0, 0, width, 0.0, 0.0, 0.0};
+    const uint32_t span = static_cast<uint32_t>(high - low);
+    if (span == 0) return b;  // every d is 0, and so is its bin (0 / 0 is NaN: bin 0)
+    const uint64_t multiplier = ((uint64_t(bin_count) << 32) + span - 1) / span;
+    b.multiplier_high = static_cast<uint32_t>(multiplier >> 32);
+    b.multiplier_low = static_cast<uint32_t>(multiplier);
+    b.exact = whole_quotients_agree(b, span);
+    if (!b.exact) {
+        b.reciprocal = 1.0 / width;
+        b.cap = b.last + 0.5;
+        b.margin = 0x1p-50;
     }
+    return b;
 }
 
 } // namespace

@@ -107,13 +107,13 @@ void count_values(const uint8_t* x, uint32_t n, ValueCounts& counts) noexcept {
 template <class C>
 void add_values_to_bins(const uint32_t* times, uint8_t range_min, uint8_t range_max, double width,
                         Counters<C>& c) noexcept {
-    const bool fast = c.bin_count <= kMaxFastBins;
-    const IntegerBinning b = integer_binning(range_min, range_max, fast ? c.bin_count : 1, width);
+    const bool multiply = c.bin_count <= kMaxFastBins;
+    const IntegerBinning b = multiply ? integer_binning(range_min, range_max, c.bin_count, width) : IntegerBinning{};
     uint32_t current = 0, sum = 0;
     for (uint32_t v = range_min; v <= range_max; ++v) {
         if (times[v] == 0) continue;
         uint32_t d = v - range_min;
-        uint32_t k = fast && b.exact ? exact_bin(d, b) : bin_of_quotient(d / width, c.bin_count - 1);
+        uint32_t k = multiply && b.exact ? exact_bin(d, b) : bin_of_quotient(d / width, c.bin_count - 1);
         if (k != current && sum != 0) {
             c.add_to_bin(current, sum);
             sum = 0;
@@ -157,21 +157,22 @@ struct CountKernels;
 ZOLVEX_M_COUNT_KERNEL_TYPES(ZOLVEX_M_COUNT_KERNELS_OF)
 #undef ZOLVEX_M_COUNT_KERNELS_OF
 
+// One test of the distance as unsigned finds the samples in range.
 template <class T, class C>
 BlockCounts count_exact_one_by_one(const T* x, uint32_t n, const IntegerBinning& b, C* bins) noexcept {
-    uint32_t binned = 0, below = 0, above = 0;
+    const uint32_t span = static_cast<uint32_t>(b.high - b.low);
+    uint32_t binned = 0, below = 0;
     for (uint32_t i = 0; i < n; ++i) {
-        int32_t v = x[i];
-        if (v < b.low) {
-            ++below;
-        } else if (v > b.high) {
-            ++above;
-        } else {
-            ++bins[exact_bin(static_cast<uint32_t>(v - b.low), b)];
+        const int32_t v = x[i];
+        const uint32_t d = static_cast<uint32_t>(v - b.low);
+        if (d <= span) {
+            ++bins[exact_bin(d, b)];
             ++binned;
+        } else {
+            below += v < b.low;
         }
     }
-    return {binned, below, above};
+    return {binned, below, n - binned - below};
 }
 
 template <class T, class C>

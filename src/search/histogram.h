@@ -67,6 +67,12 @@ struct IntegerBinning {
 // (and where 32-bit lanes hold them); such calls take the per-sample loop.
 constexpr uint32_t kMaxFastBins = uint32_t(1) << 27;
 
+// The counting kernels' window for flat signals: when all bins of a step lie
+// within this many bins of the step's first, they count the samples per bin
+// and write each counter once.
+constexpr uint32_t kWindowReach = 3;
+constexpr uint32_t kWindowBins = 2 * kWindowReach + 1;
+
 // What a kernel found in a block: how many samples it put into bins, and
 // how many were below and above the range.
 struct BlockCounts {

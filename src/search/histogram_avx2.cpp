@@ -1,4 +1,4 @@
-// AVX2 counting kernels for i16/u16 samples: eight samples per step,
+// AVX2 counting kernels for i16/u16 samples: sixteen samples per step,
 // widened to 32-bit lanes. Exact binnings multiply in 32-bit lanes (two
 // 32 x 32 -> 64-bit products per pair of lanes); the others multiply in two
 // groups of four doubles and let the division decide near whole quotients
@@ -25,11 +25,16 @@ constexpr std::array<uint64_t, 256> kFrontLanes = [] {
     return table;
 }();
 
+// Sixteen samples per step, in two halves of eight 32-bit lanes: a step's
+// fixed work (masks, counts, the delayed increments' bookkeeping) is then
+// spread over as many samples as at the AVX-512 level.
 struct Lanes {
-    static constexpr uint32_t kCount = 8;
-    static constexpr uint32_t kAll = 0xFF;
-    using Samples = __m256i;
-    using Bins = __m256i;
+    static constexpr uint32_t kCount = 16;
+    static constexpr uint32_t kAll = 0xFFFF;
+    struct Samples {
+        __m256i low, high;
+    };
+    using Bins = Samples;
 
     explicit Lanes(const IntegerBinning& b)
         : low(_mm256_set1_epi32(b.low)), high(_mm256_set1_epi32(b.high)),
@@ -40,27 +45,59 @@ struct Lanes {
           one(_mm256_set1_pd(1.0)), binning(b), exact(b.exact), wide(b.multiplier_high != 0) {}
 
     static Samples load(const uint16_t* x) {
-        return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(x)));
+        __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(x));
+        return {_mm256_cvtepu16_epi32(_mm256_castsi256_si128(v)), _mm256_cvtepu16_epi32(_mm256_extracti128_si256(v, 1))};
     }
     static Samples load(const int16_t* x) {
-        return _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(x)));
+        __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(x));
+        return {_mm256_cvtepi16_epi32(_mm256_castsi256_si128(v)), _mm256_cvtepi16_epi32(_mm256_extracti128_si256(v, 1))};
     }
-    uint32_t below(Samples v) const { return lane_mask(_mm256_cmpgt_epi32(low, v)); }
+    uint32_t below(Samples v) const {
+        return lane_mask(_mm256_cmpgt_epi32(low, v.low)) | lane_mask(_mm256_cmpgt_epi32(low, v.high)) << 8;
+    }
     // With the limits reversed a sample can be both: below wins.
-    uint32_t above(Samples v, uint32_t is_below) const { return lane_mask(_mm256_cmpgt_epi32(v, high)) & ~is_below; }
-
-    Bins bins(Samples v, uint32_t inside) const {
-        __m256i d = _mm256_sub_epi32(v, low);
-        return exact ? exact_bins(d) : checked_bins(d, inside);
+    uint32_t above(Samples v, uint32_t is_below) const {
+        uint32_t over = lane_mask(_mm256_cmpgt_epi32(v.low, high)) | lane_mask(_mm256_cmpgt_epi32(v.high, high)) << 8;
+        return over & ~is_below;
     }
 
-    static void store(uint32_t* out, Bins k) { _mm256_store_si256(reinterpret_cast<__m256i*>(out), k); }
-    static Bins to_front(Bins k, uint32_t lanes) {
-        __m256i order = _mm256_cvtepu8_epi32(_mm_cvtsi64_si128(static_cast<long long>(kFrontLanes[lanes])));
-        return _mm256_permutevar8x32_epi32(k, order);
+    Bins bins(Samples v, uint32_t inside) const { return {half_bins(v.low, inside & 0xFF), half_bins(v.high, inside >> 8)}; }
+
+    static void store_lanes(uint32_t* out, Bins k, uint32_t lanes) {
+        if (lanes == kAll) {
+            store(out, k.low);
+            store(out + 8, k.high);
+            return;
+        }
+        store(out, _mm256_permutevar8x32_epi32(k.low, front_lanes(lanes & 0xFF)));
+        store(out + __builtin_popcount(lanes & 0xFF), _mm256_permutevar8x32_epi32(k.high, front_lanes(lanes >> 8)));
+    }
+    static uint32_t first(Bins k) { return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm256_castsi256_si128(k.low))); }
+    static bool window_counts(Bins k, uint32_t* counts) {
+        __m256i start = _mm256_set1_epi32(static_cast<int32_t>(first(k) - kWindowReach));
+        __m256i low_offset = _mm256_sub_epi32(k.low, start), high_offset = _mm256_sub_epi32(k.high, start);
+        const __m256i end = _mm256_set1_epi32(kWindowBins - 1);
+        __m256i outside = _mm256_or_si256(_mm256_xor_si256(_mm256_max_epu32(low_offset, end), end),
+                                          _mm256_xor_si256(_mm256_max_epu32(high_offset, end), end));
+        if (!_mm256_testz_si256(outside, outside)) return false;
+        for (uint32_t j = 0; j < kWindowBins; ++j) {
+            __m256i bin = _mm256_set1_epi32(static_cast<int32_t>(j));
+            counts[j] = static_cast<uint32_t>(__builtin_popcount(lane_mask(_mm256_cmpeq_epi32(low_offset, bin)) |
+                                                                 lane_mask(_mm256_cmpeq_epi32(high_offset, bin)) << 8));
+        }
+        return true;
     }
 
 private:
+    static void store(uint32_t* out, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), v); }
+    __m256i half_bins(__m256i v, uint32_t inside) const {
+        __m256i d = _mm256_sub_epi32(v, low);
+        return exact ? exact_bins(d) : checked_bins(d, inside);
+    }
+    // The lanes set in the mask, in order, then zeros.
+    static __m256i front_lanes(uint32_t mask) {
+        return _mm256_cvtepu8_epi32(_mm_cvtsi64_si128(static_cast<long long>(kFrontLanes[mask])));
+    }
     static uint32_t lane_mask(__m256i v) { return static_cast<uint32_t>(_mm256_movemask_ps(_mm256_castsi256_ps(v))); }
 
     // min(d * M_high + (d * M_low) / 2^32, last); the odd lanes' products

@@ -3,7 +3,7 @@
 // (random, reversed, equal and extreme limits; bin counts from 1 to far
 // beyond the range; lengths across the fast-path thresholds; unaligned
 // starts; counters pre-filled near wrap-around; missing below/above
-// counters; sentinels after the bins). Then the exactness of the
+// counters; sentinels after the bins) and on runs of equal samples. Then the exactness of the
 // multiply-instead-of-divide shortcut over every distance of many ranges, for
 // every vector kernel; the worked behaviours; and the
 // choice for a histogram without bins.
@@ -302,6 +302,29 @@ TYPED_TEST(Histogram, RandomBlocksGiveTheRuleSampleBySampleInEveryRegime) {
         std::mt19937_64 rng(20240611 + sizeof(T) * 7 + sizeof(C));
         for (int i = 0; i < 150; ++i) {
             Call<T, C> call = random_call<T, C>(rng);
+            expect_same(call, regime.name + " call " + std::to_string(i));
+            if (::testing::Test::HasFatalFailure()) return;
+        }
+    }
+}
+
+// Flat and slowly changing signals: runs of equal samples (in range, or out
+// of it) of every length from 1 to 40, so runs start and end anywhere in a
+// vector step and cross from one step to the next; counters near wrap.
+TYPED_TEST(Histogram, RunsOfEqualSamplesCountLikeSingleOnes) {
+    using T = typename TypeParam::Sample;
+    using C = typename TypeParam::Counter;
+    OptionsSnapshot snapshot;
+    for (const auto& regime : all_regimes()) {
+        if (!apply_regime(regime)) continue;
+        std::mt19937_64 rng(99);
+        for (int i = 0; i < 20; ++i) {
+            Call<T, C> call = random_call<T, C>(rng);
+            if (call.bin_count == 0) continue;
+            std::vector<T> levels = random_samples(rng, 64, call.lo, call.hi);
+            call.storage.assign(call.offset, T{});
+            while (call.storage.size() < 3000) call.storage.insert(call.storage.end(), 1 + rng() % 40, levels[rng() % 64]);
+            call.length = static_cast<uint32_t>(call.storage.size()) - call.offset;
             expect_same(call, regime.name + " call " + std::to_string(i));
             if (::testing::Test::HasFatalFailure()) return;
         }

@@ -258,12 +258,12 @@ ZOLVEX_M_API int32_t zolvex_m_shr_clip_u16(const uint16_t* x, uint16_t* out, uin
  * counters must not overlap data.
  *
  * Which bin: a sample x with range_min <= x <= range_max (both limits
- * inside) goes into bin k = (x - range_min) / w, truncated toward zero, where
- * w = (range_max - range_min) / bin_count is computed in double (the
- * differences are exact: integer for the integer types, double for f32 and
- * f64). A k of bin_count or more (x == range_max, or rounding) is taken as
- * the last bin, so range_max lands in bin bin_count - 1. x < range_min
- * counts in *below, x > range_max in *above.
+ * inside) goes into bin k = (x - range_min) / w, truncated toward zero, with
+ * w = (range_max - range_min) / bin_count computed in double (the
+ * differences exactly: in integers for the integer types, in double for f32
+ * and f64). A k of bin_count or more is taken as the last bin, so a sample
+ * equal to range_max lands in bin bin_count - 1. x < range_min counts in
+ * *below, x > range_max in *above.
  *  - range_max == range_min (w = 0): samples equal to the limit go into
  *    bin 0.
  *  - range_min > range_max: every sample is below or above.
@@ -286,11 +286,15 @@ ZOLVEX_M_API int32_t zolvex_m_shr_clip_u16(const uint16_t* x, uint16_t* out, uin
  * returns 0 without touching anything. No pointer is tested for null except
  * below and above.
  *
- * Kernels: u8 counts how often each value occurs and adds those counts to
- * the bins; i16 and u16 find the bins with AVX-512 (F with CD) or AVX2 (with
- * FMA3) kernels when those options are on. Every path gives exactly the
- * counts of the rule above, sample by sample; f32 and f64 apply it one
- * sample at a time. */
+ * Speed: every path gives exactly the counts of the rule above applied
+ * sample by sample. u8 counts how often each value occurs (blocks of 256
+ * samples or more) and adds those counts to the bins. i16 and u16 find the
+ * bins by integer multiplication, for nearly every range and bin count
+ * (bin_count up to 2^27), with AVX-512 (F with CD) kernels, else AVX2
+ * kernels (AVX2 and FMA3 options on), else one sample at a time; the
+ * remaining few ranges and bin counts take the vector kernels' double
+ * arithmetic, or the division per sample when neither vector level is on.
+ * f32 and f64 divide sample by sample. */
 ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_i16u16(const int16_t* data, uint32_t length,
     int16_t range_min, int16_t range_max, uint16_t* bins, uint32_t bin_count, uint16_t* below, uint16_t* above);
 ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_i16u32(const int16_t* data, uint32_t length,

@@ -16,6 +16,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <numeric>
 
 #if defined(__x86_64__)
@@ -136,6 +137,22 @@ inline uint32_t divided_bin(uint32_t d, const IntegerBinning& b) noexcept {
 inline uint32_t exact_bin(uint32_t d, const IntegerBinning& b) noexcept {
     uint32_t k = d * b.multiplier_high + static_cast<uint32_t>((uint64_t(d) * b.multiplier_low) >> 32);
     return k > b.last ? b.last : k;
+}
+
+// The division decides the bins of the chosen lanes of a vector of bin
+// numbers k, from the lanes' distances d (both 32-bit lanes).
+template <class Vector>
+inline Vector divide_lanes(Vector k, Vector d, uint32_t lanes, const IntegerBinning& b) noexcept {
+    constexpr uint32_t kLanes = sizeof(Vector) / sizeof(uint32_t);
+    uint32_t bins[kLanes], distances[kLanes];
+    std::memcpy(bins, &k, sizeof k);
+    std::memcpy(distances, &d, sizeof d);
+    for (; lanes != 0; lanes &= lanes - 1) {
+        uint32_t lane = static_cast<uint32_t>(__builtin_ctz(lanes));
+        bins[lane] = divided_bin(distances[lane], b);
+    }
+    std::memcpy(&k, bins, sizeof k);
+    return k;
 }
 
 // Whether every d whose exact quotient is a whole number below bin_count

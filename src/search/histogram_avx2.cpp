@@ -116,7 +116,7 @@ private:
         __m128i k0 = _mm256_cvttpd_epi32(q0), k1 = _mm256_cvttpd_epi32(q1);
         __m256i k = _mm256_set_m128i(k1, k0);
         uint32_t unsure = (unsure_lanes(q0, k0) | unsure_lanes(q1, k1) << 4) & inside;
-        return unsure == 0 ? k : divide_lanes(k, d, unsure);
+        return unsure == 0 ? k : divide_lanes(k, d, unsure, binning);
     }
     __m256d capped_quotient(__m128i d) const {
         return _mm256_min_pd(_mm256_mul_pd(_mm256_cvtepi32_pd(d), reciprocal), cap);
@@ -129,18 +129,6 @@ private:
         __m256d close = _mm256_or_pd(_mm256_cmp_pd(fraction, near, _CMP_LT_OQ),
                                      _mm256_cmp_pd(_mm256_sub_pd(one, fraction), near, _CMP_LT_OQ));
         return static_cast<uint32_t>(_mm256_movemask_pd(close));
-    }
-    // The division decides the bins of these lanes.
-    __m256i divide_lanes(__m256i k, __m256i d, uint32_t lanes) const {
-        alignas(32) uint32_t bins[8];
-        alignas(32) uint32_t distances[8];
-        _mm256_store_si256(reinterpret_cast<__m256i*>(bins), k);
-        _mm256_store_si256(reinterpret_cast<__m256i*>(distances), d);
-        for (; lanes != 0; lanes &= lanes - 1) {
-            uint32_t lane = static_cast<uint32_t>(__builtin_ctz(lanes));
-            bins[lane] = divided_bin(distances[lane], binning);
-        }
-        return _mm256_load_si256(reinterpret_cast<const __m256i*>(bins));
     }
 
     __m256i low, high, last, multiplier_low, multiplier_high;

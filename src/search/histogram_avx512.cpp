@@ -80,7 +80,7 @@ private:
         __m256i k0 = _mm512_cvttpd_epi32(q0), k1 = _mm512_cvttpd_epi32(q1);
         __m512i k = _mm512_inserti64x4(_mm512_castsi256_si512(k0), k1, 1);
         uint32_t unsure = (unsure_lanes(q0, k0) | unsure_lanes(q1, k1) << 8) & inside;
-        return unsure == 0 ? k : divide_lanes(k, d, unsure);
+        return unsure == 0 ? k : divide_lanes(k, d, unsure, binning);
     }
     __m512d capped_quotient(__m256i d) const {
         return _mm512_min_pd(_mm512_mul_pd(_mm512_cvtepi32_pd(d), reciprocal), cap);
@@ -92,18 +92,6 @@ private:
         __m512d near = _mm512_mul_pd(q, margin);
         return static_cast<uint32_t>(_mm512_cmp_pd_mask(fraction, near, _CMP_LT_OQ) |
                                      _mm512_cmp_pd_mask(_mm512_sub_pd(one, fraction), near, _CMP_LT_OQ));
-    }
-    // The division decides the bins of these lanes.
-    __m512i divide_lanes(__m512i k, __m512i d, uint32_t lanes) const {
-        alignas(64) uint32_t bins[16];
-        alignas(64) uint32_t distances[16];
-        _mm512_store_si512(bins, k);
-        _mm512_store_si512(distances, d);
-        for (; lanes != 0; lanes &= lanes - 1) {
-            uint32_t lane = static_cast<uint32_t>(__builtin_ctz(lanes));
-            bins[lane] = divided_bin(distances[lane], binning);
-        }
-        return _mm512_load_si512(bins);
     }
 
     __m512i low, high, last, multiplier_low, multiplier_high;

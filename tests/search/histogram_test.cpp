@@ -293,19 +293,26 @@ using Combos = ::testing::Types<Combo<int16_t, uint16_t>, Combo<int16_t, uint32_
                                 Combo<double, uint16_t>, Combo<double, uint32_t>, Combo<double, uint64_t>>;
 TYPED_TEST_SUITE(Histogram, Combos);
 
-TYPED_TEST(Histogram, RandomBlocksGiveTheRuleSampleBySampleInEveryRegime) {
-    using T = typename TypeParam::Sample;
-    using C = typename TypeParam::Counter;
+// `count` calls from make_call(rng) through the library and the reference,
+// under every regime, each regime from the same seed.
+template <class T, class C, class MakeCall>
+void expect_same_in_every_regime(uint64_t seed, int count, MakeCall make_call) {
     OptionsSnapshot snapshot;
     for (const auto& regime : all_regimes()) {
         if (!apply_regime(regime)) continue;
-        std::mt19937_64 rng(20240611 + sizeof(T) * 7 + sizeof(C));
-        for (int i = 0; i < 150; ++i) {
-            Call<T, C> call = random_call<T, C>(rng);
+        std::mt19937_64 rng(seed);
+        for (int i = 0; i < count; ++i) {
+            Call<T, C> call = make_call(rng);
             expect_same(call, regime.name + " call " + std::to_string(i));
             if (::testing::Test::HasFatalFailure()) return;
         }
     }
+}
+
+TYPED_TEST(Histogram, RandomBlocksGiveTheRuleSampleBySampleInEveryRegime) {
+    using T = typename TypeParam::Sample;
+    using C = typename TypeParam::Counter;
+    expect_same_in_every_regime<T, C>(20240611 + sizeof(T) * 7 + sizeof(C), 150, random_call<T, C>);
 }
 
 // Flat and slowly changing signals: runs of equal samples (in range, or out
@@ -314,21 +321,14 @@ TYPED_TEST(Histogram, RandomBlocksGiveTheRuleSampleBySampleInEveryRegime) {
 TYPED_TEST(Histogram, RunsOfEqualSamplesCountLikeSingleOnes) {
     using T = typename TypeParam::Sample;
     using C = typename TypeParam::Counter;
-    OptionsSnapshot snapshot;
-    for (const auto& regime : all_regimes()) {
-        if (!apply_regime(regime)) continue;
-        std::mt19937_64 rng(99);
-        for (int i = 0; i < 20; ++i) {
-            Call<T, C> call = random_call<T, C>(rng);
-            if (call.bin_count == 0) continue;
-            std::vector<T> levels = random_samples(rng, 64, call.lo, call.hi);
-            call.storage.assign(call.offset, T{});
-            while (call.storage.size() < 3000) call.storage.insert(call.storage.end(), 1 + rng() % 40, levels[rng() % 64]);
-            call.length = static_cast<uint32_t>(call.storage.size()) - call.offset;
-            expect_same(call, regime.name + " call " + std::to_string(i));
-            if (::testing::Test::HasFatalFailure()) return;
-        }
-    }
+    expect_same_in_every_regime<T, C>(99, 20, [](std::mt19937_64& rng) {
+        Call<T, C> call = random_call<T, C>(rng);
+        std::vector<T> levels = random_samples(rng, 64, call.lo, call.hi);
+        call.storage.assign(call.offset, T{});
+        while (call.storage.size() < 3000) call.storage.insert(call.storage.end(), 1 + rng() % 40, levels[rng() % 64]);
+        call.length = static_cast<uint32_t>(call.storage.size()) - call.offset;
+        return call;
+    });
 }
 
 // Blocks added one after the other give the counts of the whole.

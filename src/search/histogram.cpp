@@ -1,6 +1,6 @@
-// Linear histograms: the per-sample loop of the bin rule, the faster exact
-// paths for the integer sample types, the generic bin kernels and the
-// exported functions.
+// Linear histograms: the per-sample loop of the bin rule, the per-value
+// counting of u8 blocks, the choice of counting kernel for i16/u16 blocks
+// (and the one-sample-at-a-time kernel) and the exported functions.
 //
 // Counters only ever grow by whole increments that wrap in the counter type,
 // so adding a sample count to a counter once gives the same value as
@@ -10,7 +10,6 @@
 #include "search/histogram.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <type_traits>
 
@@ -61,24 +60,28 @@ private:
 };
 
 // The rule sample by sample, as stated. Every type and every range takes it
-// when no faster path applies; the floating types always do.
+// when no faster path applies; the floating types always do. (The counts
+// stay in locals: in memory they could be the target of any increment.)
 template <class T, class C>
 void count_one_by_one(const T* x, uint32_t n, T range_min, T range_max, double width, Counters<C>& c) noexcept {
     // A histogram without bins has nowhere to put the samples in range.
     const bool has_bins = c.bin_count != 0;
     const uint32_t last = c.bin_count - 1;
+    uint32_t binned = 0, below = 0, above = 0;
     for (uint32_t i = 0; i < n; ++i) {
         const T v = x[i];
         if (v < range_min) {
-            c.add_below(1);
+            ++below;
         } else if (v > range_max) {
-            c.add_above(1);
+            ++above;
         } else if (has_bins) {
-            uint32_t k = bin_of_quotient(difference(v, range_min) / width, last);
-            ++c.bins[k];
-            ++c.counted;
+            ++c.bins[bin_of_quotient(difference(v, range_min) / width, last)];
+            ++binned;
         }
     }
+    c.counted += binned;
+    c.add_below(below);
+    c.add_above(above);
 }
 
 // u8: count how often each of the 256 values occurs, then give each value's

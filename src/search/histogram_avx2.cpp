@@ -73,19 +73,23 @@ struct Lanes {
         store(out + __builtin_popcount(lanes & 0xFF), _mm256_permutevar8x32_epi32(k.high, front_lanes(lanes >> 8)));
     }
     static uint32_t first(Bins k) { return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm256_castsi256_si128(k.low))); }
-    static bool window_counts(Bins k, uint32_t* counts) {
-        __m256i start = _mm256_set1_epi32(static_cast<int32_t>(first(k) - kWindowReach));
-        __m256i low_offset = _mm256_sub_epi32(k.low, start), high_offset = _mm256_sub_epi32(k.high, start);
+    static bool within_window(Bins k, uint32_t start) {
+        const __m256i first = _mm256_set1_epi32(static_cast<int32_t>(start));
         const __m256i end = _mm256_set1_epi32(kWindowBins - 1);
+        __m256i low_offset = _mm256_sub_epi32(k.low, first), high_offset = _mm256_sub_epi32(k.high, first);
+        // Beyond the end exactly where the unsigned maximum with it is not it.
         __m256i outside = _mm256_or_si256(_mm256_xor_si256(_mm256_max_epu32(low_offset, end), end),
                                           _mm256_xor_si256(_mm256_max_epu32(high_offset, end), end));
-        if (!_mm256_testz_si256(outside, outside)) return false;
+        return _mm256_testz_si256(outside, outside) != 0;
+    }
+    static void add_window_counts(Bins k, uint32_t start, uint32_t* counts) {
+        const __m256i first = _mm256_set1_epi32(static_cast<int32_t>(start));
+        __m256i low_offset = _mm256_sub_epi32(k.low, first), high_offset = _mm256_sub_epi32(k.high, first);
         for (uint32_t j = 0; j < kWindowBins; ++j) {
             __m256i bin = _mm256_set1_epi32(static_cast<int32_t>(j));
-            counts[j] = static_cast<uint32_t>(__builtin_popcount(lane_mask(_mm256_cmpeq_epi32(low_offset, bin)) |
-                                                                 lane_mask(_mm256_cmpeq_epi32(high_offset, bin)) << 8));
+            counts[j] += static_cast<uint32_t>(__builtin_popcount(lane_mask(_mm256_cmpeq_epi32(low_offset, bin)) |
+                                                                  lane_mask(_mm256_cmpeq_epi32(high_offset, bin)) << 8));
         }
-        return true;
     }
 
 private:

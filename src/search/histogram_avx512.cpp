@@ -53,14 +53,15 @@ struct Lanes {
         _mm512_store_si512(out, lanes == kAll ? k : _mm512_maskz_compress_epi32(static_cast<__mmask16>(lanes), k));
     }
     static uint32_t first(Bins k) { return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm512_castsi512_si128(k))); }
-    static bool window_counts(Bins k, uint32_t* counts) {
-        __m512i start = _mm512_set1_epi32(static_cast<int32_t>(first(k) - kWindowReach));
-        __m512i offset = _mm512_sub_epi32(k, start);
-        if (_mm512_cmpgt_epu32_mask(offset, _mm512_set1_epi32(kWindowBins - 1)) != 0) return false;
+    static bool within_window(Bins k, uint32_t start) {
+        __m512i offset = _mm512_sub_epi32(k, _mm512_set1_epi32(static_cast<int32_t>(start)));
+        return _mm512_cmpgt_epu32_mask(offset, _mm512_set1_epi32(kWindowBins - 1)) == 0;
+    }
+    static void add_window_counts(Bins k, uint32_t start, uint32_t* counts) {
+        __m512i offset = _mm512_sub_epi32(k, _mm512_set1_epi32(static_cast<int32_t>(start)));
         for (uint32_t j = 0; j < kWindowBins; ++j)
-            counts[j] = static_cast<uint32_t>(
+            counts[j] += static_cast<uint32_t>(
                 __builtin_popcount(_mm512_cmpeq_epi32_mask(offset, _mm512_set1_epi32(static_cast<int32_t>(j)))));
-        return true;
     }
 
 private:

@@ -288,13 +288,12 @@ ZOLVEX_M_API int32_t zolvex_m_shr_clip_u16(const uint16_t* x, uint16_t* out, uin
  *
  * Speed: every path gives exactly the counts of the rule above applied
  * sample by sample. u8 counts how often each value occurs (blocks of 256
- * samples or more) and adds those counts to the bins. i16 and u16 find the
- * bins by integer multiplication, for nearly every range and bin count
- * (bin_count up to 2^27), with AVX-512 (F with CD) kernels, else AVX2
- * kernels (AVX2 and FMA3 options on), else one sample at a time; the
- * remaining few ranges and bin counts take the vector kernels' double
- * arithmetic, or the division per sample when neither vector level is on.
- * f32 and f64 divide sample by sample. */
+ * samples or more) and adds those counts to the bins. i16 and u16 have
+ * AVX-512 (F with CD) kernels, else AVX2 kernels (AVX2 and FMA3 options
+ * on), for bin_count up to 2^27: they find the bins by integer
+ * multiplication for nearly every range and bin count (the others in double,
+ * dividing only near whole quotients), and count a flat signal per bin.
+ * Otherwise, and for f32 and f64, the rule runs sample by sample. */
 ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_i16u16(const int16_t* data, uint32_t length,
     int16_t range_min, int16_t range_max, uint16_t* bins, uint32_t bin_count, uint16_t* below, uint16_t* above);
 ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_i16u32(const int16_t* data, uint32_t length,

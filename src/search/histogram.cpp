@@ -1,6 +1,6 @@
 // Linear histograms: the per-sample loop of the bin rule, the per-value
 // counting of u8 blocks, the choice of counting kernel for i16/u16 blocks
-// (and the one-sample-at-a-time kernel) and the exported functions.
+// and the exported functions.
 //
 // Counters only ever grow by whole increments that wrap in the counter type,
 // so adding a sample count to a counter once gives the same value as
@@ -138,10 +138,11 @@ void count_by_value(const uint8_t* x, uint32_t n, uint8_t range_min, uint8_t ran
     c.add_above(above);
 }
 
-// i16/u16: with an exact binning (nearly always), integer multiplication
-// finds the bins, in the vector kernels or one sample at a time; otherwise
-// the vector kernels multiply in double and divide near whole quotients, and
-// without them the division per sample is the fastest way.
+// i16/u16: the vector kernels find the bins by integer multiplication with
+// an exact binning (nearly always), else in double with the division near
+// whole quotients. Without them the per-sample loop runs: one sample at a
+// time, multiplying was no faster than dividing (the increments set the
+// pace).
 template <class T, class C>
 struct CountKernels;
 #define ZOLVEX_M_COUNT_KERNELS_OF(T, C, suffix)                                                    \
@@ -153,38 +154,18 @@ struct CountKernels;
 ZOLVEX_M_COUNT_KERNEL_TYPES(ZOLVEX_M_COUNT_KERNELS_OF)
 #undef ZOLVEX_M_COUNT_KERNELS_OF
 
-// One test of the distance as unsigned finds the samples in range.
 template <class T, class C>
-BlockCounts count_exact_one_by_one(const T* x, uint32_t n, const IntegerBinning& b, C* bins) noexcept {
-    const uint32_t span = static_cast<uint32_t>(b.high - b.low);
-    uint32_t binned = 0, below = 0;
-    for (uint32_t i = 0; i < n; ++i) {
-        const int32_t v = x[i];
-        const uint32_t d = static_cast<uint32_t>(v - b.low);
-        if (d <= span) {
-            ++bins[exact_bin(d, b)];
-            ++binned;
-        } else {
-            below += v < b.low;
-        }
-    }
-    return {binned, below, n - binned - below};
-}
-
-template <class T, class C>
-CountKernel<T, C> choose_count_kernel(const IntegerBinning& b) noexcept {
+CountKernel<T, C> choose_count_kernel() noexcept {
     if (core::avx512f_cd_on()) return CountKernels<T, C>::avx512;
     if (core::avx2_fma3_on()) return CountKernels<T, C>::avx2;
-    if (b.exact) return count_exact_one_by_one<T, C>;
     return nullptr;
 }
 
 template <class T, class C>
 bool count_with_kernel(const T* x, uint32_t n, T range_min, T range_max, double width, Counters<C>& c) noexcept {
-    const IntegerBinning binning = integer_binning(range_min, range_max, c.bin_count, width);
-    const CountKernel<T, C> kernel = choose_count_kernel<T, C>(binning);
+    const CountKernel<T, C> kernel = choose_count_kernel<T, C>();
     if (kernel == nullptr) return false;
-    const BlockCounts counts = kernel(x, n, binning, c.bins);
+    const BlockCounts counts = kernel(x, n, integer_binning(range_min, range_max, c.bin_count, width), c.bins);
     c.counted += counts.binned;
     c.add_below(counts.below);
     c.add_above(counts.above);

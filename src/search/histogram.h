@@ -58,7 +58,7 @@ struct IntegerBinning {
     bool exact;
     uint32_t multiplier_high;  // exact: M / 2^32
     uint32_t multiplier_low;   // exact: M mod 2^32
-    double width;        // not exact: the rule's w
+    double width;        // the rule's w
     double reciprocal;   // not exact: 1 / w
     double cap;          // not exact: last + 0.5
     double margin;       // not exact: 2^-50

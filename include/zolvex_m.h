@@ -327,6 +327,85 @@ ZOLVEX_M_API int32_t zolvex_m_sum_f64(const double* data, uint32_t length, doubl
 ZOLVEX_M_API int32_t zolvex_m_square_sum_f64(const double* data, uint32_t length, double* sum);
 
 /* (linear histograms) */
+/* Adds the samples of a block to a histogram of bin_count equally wide bins
+ * between range_min and range_max, plus optional counters for the samples
+ * below and above that range. Counters are only ever added to, never
+ * cleared: zero them once, then call block after block to accumulate.
+ * Naming: sample type, then counter type (i16u32: int16_t samples, uint32_t
+ * counters).
+ *
+ * Arguments: data and length (samples); range_min and range_max (the samples'
+ * own type and raw units); bins, an array of bin_count counters; below and
+ * above, one counter each, or NULL to leave such samples uncounted. The
+ * counters must not overlap data.
+ *
+ * Which bin: a sample x with range_min <= x <= range_max (both limits
+ * inside) goes into bin k = (x - range_min) / w, truncated toward zero, with
+ * w = (range_max - range_min) / bin_count computed in double (the
+ * differences exactly: in integers for the integer types, in double for f32
+ * and f64). A k of bin_count or more is taken as the last bin, so a sample
+ * equal to range_max lands in bin bin_count - 1. x < range_min counts in
+ * *below, x > range_max in *above.
+ *  - range_max == range_min (w = 0): samples equal to the limit go into
+ *    bin 0.
+ *  - range_min > range_max: every sample is below or above.
+ *  - f32/f64: a quotient that is NaN or beyond the 64-bit integer range
+ *    gives bin 0. So a NaN sample (neither below nor above) counts in bin 0;
+ *    so does every sample in range when the width is infinite
+ *    (range_max - range_min beyond the largest double) or rounds to 0. A NaN
+ *    limit compares false with every sample: samples not outside the other
+ *    limit count in bin 0.
+ *  - bin_count == 0: nothing is written to bins (it may be NULL); samples in
+ *    the range are not counted anywhere, samples outside still go to
+ *    *below / *above.
+ *
+ * Counters wrap around on overflow (a uint16_t bin at 65535 becomes 0);
+ * there is no saturation. Use wider counters for long accumulations.
+ *
+ * Returns the number of samples of this block that were counted somewhere:
+ * put into a bin, or into *below / *above when those are given (length when
+ * both are given and bin_count > 0). It is a count, not a status; length 0
+ * returns 0 without touching anything. No pointer is tested for null except
+ * below and above.
+ *
+ * Speed: every path gives exactly the counts of the rule above applied
+ * sample by sample. u8 counts how often each value occurs (blocks of 256
+ * samples or more) and adds those counts to the bins. i16 and u16 have
+ * AVX-512 (F with CD) kernels, else AVX2 kernels (AVX2 and FMA3 options
+ * on), for bin_count up to 2^27: they find the bins by integer
+ * multiplication for nearly every range and bin count (the others in double,
+ * dividing only near whole quotients), and count a flat signal per bin.
+ * Otherwise, and for f32 and f64, the rule runs sample by sample. */
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_i16u16(const int16_t* data, uint32_t length,
+    int16_t range_min, int16_t range_max, uint16_t* bins, uint32_t bin_count, uint16_t* below, uint16_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_i16u32(const int16_t* data, uint32_t length,
+    int16_t range_min, int16_t range_max, uint32_t* bins, uint32_t bin_count, uint32_t* below, uint32_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_i16u64(const int16_t* data, uint32_t length,
+    int16_t range_min, int16_t range_max, uint64_t* bins, uint32_t bin_count, uint64_t* below, uint64_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_u8u16(const uint8_t* data, uint32_t length,
+    uint8_t range_min, uint8_t range_max, uint16_t* bins, uint32_t bin_count, uint16_t* below, uint16_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_u8u32(const uint8_t* data, uint32_t length,
+    uint8_t range_min, uint8_t range_max, uint32_t* bins, uint32_t bin_count, uint32_t* below, uint32_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_u8u64(const uint8_t* data, uint32_t length,
+    uint8_t range_min, uint8_t range_max, uint64_t* bins, uint32_t bin_count, uint64_t* below, uint64_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_u16u16(const uint16_t* data, uint32_t length,
+    uint16_t range_min, uint16_t range_max, uint16_t* bins, uint32_t bin_count, uint16_t* below, uint16_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_u16u32(const uint16_t* data, uint32_t length,
+    uint16_t range_min, uint16_t range_max, uint32_t* bins, uint32_t bin_count, uint32_t* below, uint32_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_u16u64(const uint16_t* data, uint32_t length,
+    uint16_t range_min, uint16_t range_max, uint64_t* bins, uint32_t bin_count, uint64_t* below, uint64_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_f32u16(const float* data, uint32_t length,
+    float range_min, float range_max, uint16_t* bins, uint32_t bin_count, uint16_t* below, uint16_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_f32u32(const float* data, uint32_t length,
+    float range_min, float range_max, uint32_t* bins, uint32_t bin_count, uint32_t* below, uint32_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_f32u64(const float* data, uint32_t length,
+    float range_min, float range_max, uint64_t* bins, uint32_t bin_count, uint64_t* below, uint64_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_f64u16(const double* data, uint32_t length,
+    double range_min, double range_max, uint16_t* bins, uint32_t bin_count, uint16_t* below, uint16_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_f64u32(const double* data, uint32_t length,
+    double range_min, double range_max, uint32_t* bins, uint32_t bin_count, uint32_t* below, uint32_t* above);
+ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_f64u64(const double* data, uint32_t length,
+    double range_min, double range_max, uint64_t* bins, uint32_t bin_count, uint64_t* below, uint64_t* above);
 
 /* (index search) */
 /* Index searches: from a start index, the first sample of one block that

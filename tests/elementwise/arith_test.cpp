@@ -24,9 +24,9 @@ bool same_value(T got, T want, bool any_nan) {
 }
 
 // run(s, x, y, out, n) must give reference(s, x[i], y[i]) in out[i], also
-// with out on x (and on y when `on_y`). With `any_nan` every NaN counts as equal: the
-// payload of an operation's NaN is not promised, and the compiler may swap
-// the operands of a commutative one.
+// with out on x (and on y when `on_y`). With `any_nan` every NaN counts as
+// equal: the payload of an operation's NaN is not promised, and the
+// compiler may swap the operands of a commutative one.
 template <class T, class Run, class Reference>
 void expect_elementwise(Run run, Reference reference, bool on_y, bool any_nan) {
     expect_regimes_agree([&](const Shape& s) {
@@ -53,8 +53,8 @@ void expect_elementwise(Run run, Reference reference, bool on_y, bool any_nan) {
 
 template <class T>
 struct Functions {
-    int32_t (*binary[4])(const T*, const T*, T*, uint32_t);     // add sub mul div
-    int32_t (*constant[7])(const T*, T*, uint32_t, T);          // addc subc csub mulc divc cdiv modc
+    int32_t (*binary[4])(const T*, const T*, T*, uint32_t);  // add sub mul div
+    int32_t (*constant[7])(const T*, T*, uint32_t, T);       // addc subc csub mulc divc cdiv modc
     int32_t (*abs)(const T*, T*, uint32_t);
 };
 

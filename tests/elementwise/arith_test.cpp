@@ -1,224 +1,154 @@
-// Every arithmetic function against a scalar reference written here, on
-// random data with infinities, NaNs, signed zeros and subnormals; n = 0 and
-// in-place use.
+// The arithmetic, abs, mulc_addc and set functions on every shape of the
+// differential driver: in every regime each element equals a scalar
+// reference written here, out of place and in place, and every regime gives
+// the generic regime's results bit for bit (NaN payloads aside where the
+// header leaves them open).
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <functional>
+#include <limits>
 #include <vector>
 
-#include "support/random_data.h"
-#include "support/regimes.h"
+#include "support/differential.h"
 #include "zolvex_m.h"
 
 namespace {
 
-using testing_support::random_vector;
-using testing_support::same_bits;
+using namespace testing_support;
 
 template <class T>
-using Binary = int32_t (*)(const T*, const T*, T*, uint32_t);
-template <class T>
-using WithConstant = int32_t (*)(const T*, T*, uint32_t, T);
-
-template <class T>
-struct BinaryCase {
-    const char* name;
-    Binary<T> function;
-    std::function<T(T, T)> reference;
-};
-
-template <class T>
-struct ConstantCase {
-    const char* name;
-    WithConstant<T> function;
-    std::function<T(T, T)> reference;
-};
-
-#define BINARY_CASES(T, sfx)                                                                       \
-    std::vector<BinaryCase<T>> {                                                                   \
-        {"add", zolvex_m_add_##sfx, [](T a, T b) { return T(a + b); }},                            \
-            {"sub", zolvex_m_sub_##sfx, [](T a, T b) { return T(a - b); }},                        \
-            {"mul", zolvex_m_mul_##sfx, [](T a, T b) { return T(a * b); }},                        \
-            {"div", zolvex_m_div_##sfx, [](T a, T b) { return T(a / b); }},                        \
-    }
-
-#define CONSTANT_CASES(T, sfx)                                                                     \
-    std::vector<ConstantCase<T>> {                                                                 \
-        {"addc", zolvex_m_addc_##sfx, [](T v, T c) { return T(v + c); }},                          \
-            {"subc", zolvex_m_subc_##sfx, [](T v, T c) { return T(v - c); }},                      \
-            {"csub", zolvex_m_csub_##sfx, [](T v, T c) { return T(c - v); }},                      \
-            {"mulc", zolvex_m_mulc_##sfx, [](T v, T c) { return T(v * c); }},                      \
-            {"divc", zolvex_m_divc_##sfx, [](T v, T c) { return T(v / c); }},                      \
-            {"cdiv", zolvex_m_cdiv_##sfx, [](T v, T c) { return T(c / v); }},                      \
-            {"modc", zolvex_m_modc_##sfx, [](T v, T c) { return T(std::fmod(v, c)); }},            \
-    }
-
-template <class T>
-std::vector<BinaryCase<T>> binary_cases();
-template <>
-std::vector<BinaryCase<float>> binary_cases() { return BINARY_CASES(float, f32); }
-template <>
-std::vector<BinaryCase<double>> binary_cases() { return BINARY_CASES(double, f64); }
-
-template <class T>
-std::vector<ConstantCase<T>> constant_cases();
-template <>
-std::vector<ConstantCase<float>> constant_cases() { return CONSTANT_CASES(float, f32); }
-template <>
-std::vector<ConstantCase<double>> constant_cases() { return CONSTANT_CASES(double, f64); }
-
-// Two NaNs count as equal whatever their payloads: IEEE leaves the payload
-// of an operation's NaN open, and the compiler may swap the operands of a
-// commutative operation.
-template <class T>
-bool same_value(T got, T want) {
-    return (std::isnan(got) && std::isnan(want)) || same_bits(got, want);
+bool same_value(T got, T want, bool any_nan) {
+    return (any_nan && std::isnan(got) && std::isnan(want)) || same_bits(got, want);
 }
 
-// The element-wise kernels exist at three levels; each regime switches on
-// exactly one of them.
-struct ArithRegime {
-    const char* name;
-    std::initializer_list<uint32_t> options;
-};
-const ArithRegime kRegimes[] = {
-    {"generic", {}},
-    {"avx", {ZOLVEX_M_OPT_AVX}},
-    // AVX-512F without CD is not enough: AVX is used then.
-    {"avx512f only", {ZOLVEX_M_OPT_AVX, ZOLVEX_M_OPT_AVX512F}},
-    {"avx512f+cd", {ZOLVEX_M_OPT_AVX512F, ZOLVEX_M_OPT_AVX512CD}},
-};
-
-constexpr uint32_t kGuard = 8;
-
-// For every regime, length 0..300 and a few large ones (odd start offsets),
-// `run(x, y, out, n)` must give `reference(x[i], y[i])` for every i, write
-// nothing outside out[0..n), and give the same in place.
+// run(s, x, y, out, n) must give reference(s, x[i], y[i]) in out[i], also
+// with out on x (and on y when `on_y`). With `any_nan` every NaN counts as
+// equal: the payload of an operation's NaN is not promised, and the
+// compiler may swap the operands of a commutative one.
 template <class T, class Run, class Reference>
-void check_all_regimes(const char* name, Run run, Reference reference, bool has_y) {
-    testing_support::OptionsSnapshot restore;
-    for (const ArithRegime& regime : kRegimes) {
-        ASSERT_TRUE(testing_support::only_options(regime.options));
-        for (uint32_t n : testing_support::test_lengths()) {
-            uint32_t offset = n % 3;
-            auto x = random_vector<T>(n + offset, n), y = random_vector<T>(n + offset, n + 1000);
-            std::vector<T> out(n + offset + kGuard, T(-7));
-            run(x.data() + offset, y.data() + offset, out.data() + offset, n);
-            for (uint32_t i = 0; i < n; ++i) {
-                T want = reference(x[offset + i], y[offset + i]);
-                ASSERT_TRUE(same_value(out[offset + i], want))
-                    << name << " " << regime.name << " n=" << n << " i=" << i << ": " << out[offset + i]
-                    << " vs " << want;
+void expect_elementwise(Run run, Reference reference, bool on_y, bool any_nan) {
+    expect_regimes_agree([&](const Shape& s) {
+        auto x = shaped_input<T>(s), y = shaped_input<T>(s, 1);
+        GuardedOutput<T> out(s);
+        run(s, x.data(), y.data(), out.data(), s.length);
+        std::vector<T> got = out.values();
+        auto on_x = x, on_y_copy = y;
+        run(s, on_x.data(), y.data(), on_x.data(), s.length);
+        if (on_y) run(s, x.data(), on_y_copy.data(), on_y_copy.data(), s.length);
+        for (uint32_t i = 0; i < s.length; ++i) {
+            const T want = reference(s, x.data()[i], y.data()[i]);
+            if (!same_value(got[i], want, any_nan) || !same_bits(on_x.data()[i], got[i]) ||
+                (on_y && !same_bits(on_y_copy.data()[i], got[i]))) {
+                ADD_FAILURE() << "element " << i << " of " << s.length << ": " << show(got[i]) << ", in place "
+                              << show(on_x.data()[i]) << ", want " << show(want);
+                break;
             }
-            for (uint32_t i = 0; i < out.size(); ++i)
-                if (i < offset || i >= offset + n) ASSERT_EQ(out[i], T(-7)) << name << " wrote outside, n=" << n;
-
-            auto in_x = x;
-            run(in_x.data() + offset, y.data() + offset, in_x.data() + offset, n);
-            for (uint32_t i = 0; i < n; ++i)
-                ASSERT_TRUE(same_value(in_x[offset + i], out[offset + i])) << name << " in place (x) n=" << n;
-            if (has_y) {
-                auto in_y = y;
-                run(x.data() + offset, in_y.data() + offset, in_y.data() + offset, n);
-                for (uint32_t i = 0; i < n; ++i)
-                    ASSERT_TRUE(same_value(in_y[offset + i], out[offset + i])) << name << " in place (y) n=" << n;
-            }
+            if (any_nan && std::isnan(got[i])) got[i] = std::numeric_limits<T>::quiet_NaN();
         }
-    }
+        return got;
+    });
 }
 
 template <class T>
-class Arithmetic : public ::testing::Test {};
-using Types = ::testing::Types<float, double>;
-TYPED_TEST_SUITE(Arithmetic, Types);
+struct Functions {
+    int32_t (*binary[4])(const T*, const T*, T*, uint32_t);  // add sub mul div
+    int32_t (*constant[7])(const T*, T*, uint32_t, T);       // addc subc csub mulc divc cdiv modc
+    int32_t (*abs)(const T*, T*, uint32_t);
+};
 
-TYPED_TEST(Arithmetic, BinaryMatchesReferenceInEveryRegime) {
-    using T = TypeParam;
-    for (const auto& c : binary_cases<T>()) {
-        check_all_regimes<T>(
-            c.name, [&](const T* x, const T* y, T* out, uint32_t n) { EXPECT_EQ(c.function(x, y, out, n), 0); },
-            c.reference, true);
+template <class T>
+void check_type(const Functions<T>& f) {
+    using F = T (*)(T, T);
+    const F binary_reference[] = {[](T a, T b) -> T { return a + b; }, [](T a, T b) -> T { return a - b; },
+                                  [](T a, T b) -> T { return a * b; }, [](T a, T b) -> T { return a / b; }};
+    for (int k = 0; k < 4; ++k) {
+        SCOPED_TRACE("binary operation " + std::to_string(k));
+        expect_elementwise<T>(
+            [&](const Shape&, const T* x, const T* y, T* out, uint32_t n) { EXPECT_EQ(f.binary[k](x, y, out, n), 0); },
+            [&](const Shape&, T a, T b) { return binary_reference[k](a, b); }, true, true);
     }
-}
-
-TYPED_TEST(Arithmetic, WithConstantMatchesReferenceInEveryRegime) {
-    using T = TypeParam;
-    const T constants[] = {T(3), T(-0.5), -T(0), std::numeric_limits<T>::infinity(),
-                           std::numeric_limits<T>::quiet_NaN()};
-    for (const auto& c : constant_cases<T>()) {
-        for (T k : constants) {
-            check_all_regimes<T>(
-                c.name, [&](const T* x, const T*, T* out, uint32_t n) { EXPECT_EQ(c.function(x, out, n, k), 0); },
-                [&](T v, T) { return c.reference(v, k); }, false);
-        }
+    const F constant_reference[] = {[](T v, T c) -> T { return v + c; }, [](T v, T c) -> T { return v - c; },
+                                    [](T v, T c) -> T { return c - v; }, [](T v, T c) -> T { return v * c; },
+                                    [](T v, T c) -> T { return v / c; }, [](T v, T c) -> T { return c / v; },
+                                    [](T v, T c) -> T { return std::fmod(v, c); }};
+    // Each shape has its constant.
+    auto constant = [](const Shape& s) {
+        const T constants[] = {T(3), T(-0.5), -T(0), std::numeric_limits<T>::infinity(),
+                               std::numeric_limits<T>::quiet_NaN()};
+        return constants[s.seed % 5];
+    };
+    for (int k = 0; k < 7; ++k) {
+        SCOPED_TRACE("operation with a constant " + std::to_string(k));
+        expect_elementwise<T>(
+            [&](const Shape& s, const T* x, const T*, T* out, uint32_t n) {
+                EXPECT_EQ(f.constant[k](x, out, n, constant(s)), 0);
+            },
+            [&](const Shape& s, T v, T) { return constant_reference[k](v, constant(s)); }, false, true);
     }
+    // abs clears the sign bit and nothing else, NaN included.
+    expect_elementwise<T>(
+        [&](const Shape&, const T* x, const T*, T* out, uint32_t n) { EXPECT_EQ(f.abs(x, out, n), 0); },
+        [](const Shape&, T v, T) { return std::fabs(v); }, false, false);
 }
 
-TYPED_TEST(Arithmetic, ZeroLengthTouchesNothing) {
-    using T = TypeParam;
-    // Pointers that would fault if dereferenced.
-    const T* bad_in = reinterpret_cast<const T*>(uintptr_t(16));
-    T* bad_out = reinterpret_cast<T*>(uintptr_t(16));
-    for (const auto& c : binary_cases<T>()) EXPECT_EQ(c.function(bad_in, bad_in, bad_out, 0), 0) << c.name;
-    for (const auto& c : constant_cases<T>()) EXPECT_EQ(c.function(bad_in, bad_out, 0, T(2)), 0) << c.name;
-    if constexpr (std::is_same_v<T, float>) {
-        EXPECT_EQ(zolvex_m_mulc_addc_f32(bad_in, bad_out, 0, 1, 2), 0);
-        EXPECT_EQ(zolvex_m_abs_f32(bad_in, bad_out, 0), 0);
-        EXPECT_EQ(zolvex_m_set_f32(bad_out, 0, 1), 0);
-    } else {
-        EXPECT_EQ(zolvex_m_mulc_addc_f64(bad_in, bad_out, 0, 1, 2), 0);
-        EXPECT_EQ(zolvex_m_abs_f64(bad_in, bad_out, 0), 0);
-        EXPECT_EQ(zolvex_m_set_f64(bad_out, 0, 1), 0);
-    }
+TEST(Arithmetic, EveryFunctionFollowsItsReferenceAndTheGenericKernel) {
+#define ZOLVEX_M_ARITH_OF(sfx)                                                                     \
+    {{zolvex_m_add_##sfx, zolvex_m_sub_##sfx, zolvex_m_mul_##sfx, zolvex_m_div_##sfx},               \
+     {zolvex_m_addc_##sfx, zolvex_m_subc_##sfx, zolvex_m_csub_##sfx, zolvex_m_mulc_##sfx,            \
+      zolvex_m_divc_##sfx, zolvex_m_cdiv_##sfx, zolvex_m_modc_##sfx},                                \
+     zolvex_m_abs_##sfx}
+    check_type<float>(ZOLVEX_M_ARITH_OF(f32));
+    check_type<double>(ZOLVEX_M_ARITH_OF(f64));
+#undef ZOLVEX_M_ARITH_OF
 }
 
-TEST(Arithmetic, WorkedExamples) {
-    double x[2] = {1, 2}, out[2];
-    zolvex_m_csub_f64(x, out, 2, 10.0);
-    EXPECT_EQ(out[0], 9.0);
-    EXPECT_EQ(out[1], 8.0);
-    double y[2] = {2, 4};
-    zolvex_m_cdiv_f64(y, out, 2, 1.0);
-    EXPECT_EQ(out[0], 0.5);
-    EXPECT_EQ(out[1], 0.25);
-    double r[1] = {-7};
-    zolvex_m_modc_f64(r, out, 1, 3.0);
-    EXPECT_EQ(out[0], -1.0);
-    zolvex_m_modc_f64(r, out, 1, 0.0);
-    EXPECT_TRUE(std::isnan(out[0]));
-    float z[1] = {-0.0f}, a[1];
-    zolvex_m_abs_f32(z, a, 1);
-    EXPECT_FALSE(std::signbit(a[0]));
-    float one[1] = {1.0f}, inf[1];
-    zolvex_m_divc_f32(one, inf, 1, 0.0f);
-    EXPECT_TRUE(std::isinf(inf[0]));
-}
-
-// set: every width, odd lengths and misaligned starts (the 16-bit fill may
-// pair elements into words internally), nothing written past n.
-template <class T, class Set>
-void check_fill(Set set, T value) {
-    for (uint32_t offset = 0; offset < 3; ++offset) {
-        for (uint32_t n : {0u, 1u, 2u, 3u, 17u, 258u}) {
-            std::vector<T> buffer(n + 8, T(0x5A));
-            ASSERT_EQ(set(buffer.data() + offset, n, value), 0);
-            for (uint32_t i = 0; i < buffer.size(); ++i) {
-                bool inside = i >= offset && i < offset + n;
-                ASSERT_EQ(buffer[i], inside ? value : T(0x5A)) << "offset " << offset << " n " << n << " i " << i;
+// Without AVX2 and FMA3 both on the product is rounded, then the sum; with
+// them one fused multiply-add rounds once, exactly as std::fma.
+template <class T>
+void check_mulc_addc(int32_t (*mulc_addc)(const T*, T*, uint32_t, T, T)) {
+    const T pairs[][2] = {{T(1.1), T(-0.3)}, {T(-3), T(0)}, {T(1e-3), T(1e3)}, {std::numeric_limits<T>::infinity(), T(1)}};
+    in_each_regime([&](core::Isa isa) {
+        const bool fused = isa >= core::Isa::avx2;
+        for (auto [m, a] : pairs)
+            for (const Shape& s : differential_shapes()) {
+                auto x = shaped_input<T>(s);
+                GuardedOutput<T> out(s);
+                ASSERT_EQ(mulc_addc(x.data(), out.data(), s.length, m, a), 0);
+                const std::vector<T> got = out.values();
+                for (uint32_t i = 0; i < s.length; ++i) {
+                    const T v = x.data()[i], product = v * m;
+                    const T want = fused ? std::fma(v, m, a) : T(product + a);
+                    ASSERT_TRUE(same_value(got[i], want, true)) << "m " << m << " a " << a << " x " << show(v);
+                }
             }
-        }
-    }
+    });
+}
+
+TEST(MulcAddc, EveryRegimeRoundsAsTheHeaderSays) {
+    check_mulc_addc<float>(zolvex_m_mulc_addc_f32);
+    check_mulc_addc<double>(zolvex_m_mulc_addc_f64);
+}
+
+template <class T>
+void check_set(int32_t (*set)(T*, uint32_t, T), T value) {
+    expect_regimes_agree([&](const Shape& s) {
+        GuardedOutput<T> out(s);
+        EXPECT_EQ(set(out.data(), s.length, value), 0);
+        std::vector<T> got = out.values();
+        EXPECT_TRUE(std::all_of(got.begin(), got.end(), [&](T v) { return same_bits(v, value); }));
+        return got;
+    });
 }
 
 TEST(Set, EveryTypeFillsExactlyItsRange) {
-    check_fill<uint8_t>(zolvex_m_set_u8, 0xC3);
-    check_fill<int16_t>(zolvex_m_set_i16, -12345);
-    check_fill<uint16_t>(zolvex_m_set_u16, 0xBEEF);
-    check_fill<uint32_t>(zolvex_m_set_u32, 0xDEADBEEF);
-    check_fill<float>(zolvex_m_set_f32, -1.5f);
-    check_fill<double>(zolvex_m_set_f64, 2.25);
+    check_set<uint8_t>(zolvex_m_set_u8, 0xC3);
+    check_set<int16_t>(zolvex_m_set_i16, -12345);
+    check_set<uint16_t>(zolvex_m_set_u16, 0xBEEF);
+    check_set<uint32_t>(zolvex_m_set_u32, 0xDEADBEEF);
+    check_set<float>(zolvex_m_set_f32, -1.5f);
+    check_set<double>(zolvex_m_set_f64, 2.25);
 }
 
 } // namespace

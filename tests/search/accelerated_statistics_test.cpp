@@ -119,12 +119,6 @@ TEST(AcceleratedSums, CloseToTheExactSumAndAddedToTheStoredValue) {
         EXPECT_LE(std::fabs(static_cast<long double>(squares) - exact_squares), 1e-13L * magnitude_squares)
             << "n=" << n;
     }
-    // The integer sums have no accelerator path: exact as always.
-    auto words = random_vector<uint16_t>(1000, 1);
-    uint64_t total = 0, want = 0;
-    for (uint16_t w : words) want += w;
-    ASSERT_EQ(zolvex_m_sum_u16(words.data(), 1000, &total), 0);
-    EXPECT_EQ(total, want);
 }
 
 TEST(AcceleratedSums, AFailureLeavesTheSumUntouched) {

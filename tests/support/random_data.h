@@ -40,14 +40,6 @@ std::vector<T> random_vector(size_t n, uint32_t seed) {
     return v;
 }
 
-// The lengths every differential test walks: 0..300 and a few large ones.
-inline std::vector<uint32_t> test_lengths() {
-    std::vector<uint32_t> lengths;
-    for (uint32_t n = 0; n <= 300; ++n) lengths.push_back(n);
-    for (uint32_t n : {1023u, 4096u, 65537u}) lengths.push_back(n);
-    return lengths;
-}
-
 // Bit-exact comparison that treats two NaNs with the same bits as equal.
 template <class T>
 bool same_bits(T a, T b) {

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "support/regimes.h"
 
 namespace testing_support {
@@ -11,27 +9,6 @@ bool only_options(std::initializer_list<uint32_t> on) {
         for (uint32_t wanted : on) want = want || wanted == id;
         if (zolvex_m_setopt(id, want ? 1 : 0) != 0 && want) all = false;
     }
-    return all;
-}
-
-const std::vector<Regime>& all_regimes() {
-    static const std::vector<Regime> regimes = [] {
-        std::vector<Regime> r;
-        std::vector<uint32_t> on;
-        for (core::Isa isa : core::kIsaNarrowestFirst) {
-            for (uint32_t id : core::isa_options(isa)) on.push_back(id);
-            r.push_back({core::isa_name(isa), on});
-        }
-        return r;
-    }();
-    return regimes;
-}
-
-bool apply_regime(const Regime& regime) {
-    bool all = true;
-    for (uint32_t id : kProcessorOptions) zolvex_m_setopt(id, 0);
-    for (uint32_t id : regime.options)
-        if (zolvex_m_setopt(id, 1) != 0) all = false;
     return all;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
-// Option handling for tests: the regime ladder, a snapshot that restores
-// every option flag, and switching on an exact set of options.
+// Option handling for tests: a snapshot that restores every option flag,
+// switching on an exact set of options, and running a check once in each
+// kernel regime of the ladder (support/regime_ladder.h).
 
 #include <gtest/gtest.h>
 
@@ -13,14 +14,6 @@
 #include "support/regime_ladder.h"
 
 namespace testing_support {
-
-// Transitional: a named set of processor options.
-struct Regime {
-    std::string name;
-    std::vector<uint32_t> options;
-};
-const std::vector<Regime>& all_regimes();
-bool apply_regime(const Regime& regime);
 
 // Restores every option flag to what it was when constructed.
 class OptionsSnapshot {
@@ -36,8 +29,9 @@ private:
 // Returns false if the processor lacks one of them.
 bool only_options(std::initializer_list<uint32_t> on);
 
-// Runs check() once per regime the processor has, widest last, with a trace
-// naming the regime; stops at the first failure and restores the options.
+// Runs check(isa) once per regime the processor has, narrowest first, with
+// a trace naming the regime; stops at the first failure and restores the
+// options.
 template <class Check>
 void in_each_regime(Check&& check) {
     OptionsSnapshot restore;

@@ -1,4 +1,5 @@
-// The fifteen edge triggers against the reference model (model_suite.h).
+// The fifteen edge triggers against the reference model (model_suite.h),
+// and a worked example of the calling convention.
 
 #include "trigger/model_suite.h"
 
@@ -69,6 +70,24 @@ using EdgeCases = ::testing::Types<
     EdgeCase<float, Edge::rising>, EdgeCase<float, Edge::falling>, EdgeCase<float, Edge::any>,
     EdgeCase<double, Edge::rising>, EdgeCase<double, Edge::falling>, EdgeCase<double, Edge::any>>;
 INSTANTIATE_TYPED_TEST_SUITE_P(Edge, TriggerModel, EdgeCases, CaseNames);
+
+// The first call allocates the state block; a rising edge arms strictly
+// below the arm level (10 itself does not arm) and, once above it, stays
+// armed over the block end; the next block fires at the first sample at or
+// above the trigger level, and the search starts over.
+TEST(EdgeExample, ARisingEdgeOverTwoBlocks) {
+    const int16_t first[] = {10, 12, 9, 15}, second[] = {19, 20, 25};
+    void* state = nullptr;
+    uint32_t position = 0;
+    EXPECT_EQ(zolvex_m_trigger_edge_rising_i16(first, 4, 10, 20, &position, &state), 0);
+    EXPECT_EQ(position, 4u);
+    EXPECT_EQ(*static_cast<const uint32_t*>(state), 2u);
+    position = 0;
+    EXPECT_EQ(zolvex_m_trigger_edge_rising_i16(second, 3, 10, 20, &position, &state), 0);
+    EXPECT_EQ(position, 1u);
+    EXPECT_EQ(*static_cast<const uint32_t*>(state), 0u);
+    zolvex_m_state_free(&state);
+}
 
 } // namespace
 } // namespace trigger_testing

@@ -1,8 +1,7 @@
 #pragma once
 // The trigger functions against the sample-by-sample model of
-// trigger_model.h, as one typed test suite that every trigger family
-// instantiates with its cases, in the generic, SSE4.2 and AVX2+FMA3 kernel
-// regimes: single calls from random positions and states, whole streams cut
+// trigger_model.h, as one typed test suite that every trigger kind
+// instantiates with its cases, in every kernel regime: single calls from random positions and states, whole streams cut
 // into random blocks (the triggers and the final state must not depend on
 // the cut), each state's first hit placed around the 64-sample groups of the
 // vector scans, and state blocks holding values the kind never stores.
@@ -40,15 +39,17 @@
 #include <utility>
 #include <vector>
 
-#include "support/regime_runs.h"
 #include "support/regimes.h"
-#include "scan/scan.h"
-#include "trigger/signal_maker.h"
+#include "support/signal_maker.h"
 #include "trigger/trigger_model.h"
 #include "zolvex_m.h"
 
 namespace trigger_testing {
 
+using testing_support::in_each_regime;
+using testing_support::Levels;
+using testing_support::show;
+using testing_support::SignalMaker;
 using trigger_model::Outcome;
 
 // The arguments of one search: the levels in call order, and for the
@@ -115,27 +116,17 @@ int64_t random_start(SignalMaker<T>& maker) {
     }
 }
 
-// The call and the samples that decide it: the first few from the start and
-// those around the position each side wrote.
+// The samples around the positions the call started from and each side
+// wrote.
 template <class T>
-std::string describe_samples(const T* data, uint32_t length, std::initializer_list<uint32_t> centers) {
-    std::vector<uint32_t> shown;
-    bool first = true;
-    for (uint32_t center : centers) {
-        const uint32_t before = first ? 0 : 4, after = first ? 4 : 3;
-        first = false;
-        for (uint64_t i = center >= before ? center - before : 0; i < uint64_t(center) + after && i < length; ++i)
-            shown.push_back(static_cast<uint32_t>(i));
+std::string describe_samples(const T* data, uint32_t length, std::initializer_list<uint32_t> positions) {
+    std::string out = "\n  samples:";
+    for (uint32_t p : positions) {
+        out += " ...";
+        for (uint64_t i = p >= 3 ? p - 3 : 0; i < uint64_t(p) + 4 && i < length; ++i)
+            out += " [" + std::to_string(i) + "]=" + show(data[i]);
     }
-    std::sort(shown.begin(), shown.end());
-    shown.erase(std::unique(shown.begin(), shown.end()), shown.end());
-    std::ostringstream out;
-    out << "\n  samples:";
-    for (size_t k = 0; k < shown.size(); ++k) {
-        if (k > 0 && shown[k] != shown[k - 1] + 1) out << " ...";
-        out << " [" << shown[k] << "]=" << show(data[shown[k]]);
-    }
-    return out.str();
+    return out;
 }
 
 template <class Block>
@@ -236,40 +227,6 @@ private:
     void* state_ = nullptr;
 };
 
-// The kernel regimes: scalar, the SSE4.2 scans, and the AVX2+FMA3 scans. Each regime is checked to run
-// what it is meant to: generic scans only, or vector scans for u8 and u16.
-struct ScanRegime {
-    testing_support::Regime options;
-    bool vector_scans;
-    bool wide_scans;
-};
-
-inline const std::vector<ScanRegime>& scan_regimes() {
-    static const std::vector<ScanRegime> regimes = {
-        {{"generic", {}}, false, false},
-        {{"sse42", {ZOLVEX_M_OPT_SSE42}}, true, false},
-        {{"avx2_fma3", {ZOLVEX_M_OPT_SSE42, ZOLVEX_M_OPT_AVX2, ZOLVEX_M_OPT_FMA3}}, true, true},
-    };
-    return regimes;
-}
-
-inline void expect_scans_of(const ScanRegime& regime) {
-    const auto u8 = scan::choose<uint8_t>();
-    const auto u16 = scan::choose<uint16_t>();
-    EXPECT_EQ(u8.ge != scan::generic::kU8.ge, regime.vector_scans);
-    EXPECT_EQ(u8.lt != scan::generic::kU8.lt, regime.vector_scans);
-    EXPECT_EQ(u16.le != scan::generic::kU16.le, regime.vector_scans);
-    EXPECT_EQ(u16.outside != scan::generic::kU16.outside, regime.vector_scans);
-    EXPECT_EQ(u8.le == scan::avx2::kU8.le, regime.wide_scans);
-    EXPECT_EQ(u16.ge == scan::avx2::kU16.ge, regime.wide_scans);
-    EXPECT_EQ(u16.outside == scan::avx2::kU16.outside, regime.wide_scans);
-}
-
-template <class F>
-void in_every_regime(F&& check) {
-    testing_support::in_each_regime(scan_regimes(), expect_scans_of, check);
-}
-
 inline uint64_t seed_of(const std::string& name, uint64_t salt) {
     return std::hash<std::string>{}(name) ^ (salt * 0x9E3779B97F4A7C15ull);
 }
@@ -309,7 +266,7 @@ TYPED_TEST_SUITE_P(TriggerModel);
 TYPED_TEST_P(TriggerModel, SingleCallsFromRandomPositionsAndStates) {
     using C = TypeParam;
     using T = typename C::Sample;
-    in_every_regime([] {
+    in_each_regime([](core::Isa) {
         SignalMaker<T> maker(seed_of(C::name(), 1));
         for (int round = 0; round < 250; ++round) {
             const Params<T> params = C::params(maker);
@@ -335,7 +292,7 @@ TYPED_TEST_P(TriggerModel, BlockSplitsFindTheTriggersOfTheWholeStream) {
     using C = TypeParam;
     using T = typename C::Sample;
     size_t triggers_seen = 0;
-    in_every_regime([&] {
+    in_each_regime([&](core::Isa) {
         SignalMaker<T> maker(seed_of(C::name(), 2));
         for (int round = 0; round < 8; ++round) {
             const Params<T> params = C::params(maker);
@@ -389,7 +346,7 @@ TYPED_TEST_P(TriggerModel, EachStateFindsItsFirstHitAroundGroupBoundaries) {
     using T = typename C::Sample;
     const std::vector<int64_t> hit_offsets = {0,   1,   2,   31,  32,  33,  62,  63,  64,  65,  66, 127,
                                               128, 129, 191, 192, 193, 255, 256, 257, 300, -1};
-    in_every_regime([&] {
+    in_each_regime([&](core::Isa) {
         SignalMaker<T> maker(seed_of(C::name(), 3));
         for (int set = 0; set < 4; ++set) {
             const Params<T> params = C::params(maker);
@@ -448,7 +405,7 @@ TYPED_TEST_P(TriggerModel, EachStateFindsItsFirstHitAroundGroupBoundaries) {
 TYPED_TEST_P(TriggerModel, InvalidStateBlocksFailWithoutWriting) {
     using C = TypeParam;
     using T = typename C::Sample;
-    in_every_regime([] {
+    in_each_regime([](core::Isa) {
         SignalMaker<T> maker(seed_of(C::name(), 4));
         for (const auto& bad : C::invalid_blocks()) {
             const Params<T> params = C::params(maker);

@@ -1,5 +1,5 @@
 // The pulse-width and interval triggers against the reference model
-// (model_suite.h), and worked examples.
+// (model_suite.h).
 
 #include "trigger/model_suite.h"
 
@@ -79,91 +79,6 @@ INSTANTIATE_TYPED_TEST_SUITE_P(PulseI16, TriggerModel, Cases<int16_t>, CaseNames
 INSTANTIATE_TYPED_TEST_SUITE_P(PulseU16, TriggerModel, Cases<uint16_t>, CaseNames);
 INSTANTIATE_TYPED_TEST_SUITE_P(PulseF32, TriggerModel, Cases<float>, CaseNames);
 INSTANTIATE_TYPED_TEST_SUITE_P(PulseF64, TriggerModel, Cases<double>, CaseNames);
-
-// ---------------------------------------------------------------------------
-// Worked examples.
-
-struct Search {
-    void* state = nullptr;
-    uint32_t position = 0;
-    ~Search() { zolvex_m_state_free(&state); }
-    PulseBlock block() const { return read_block<PulseBlock>(state); }
-};
-
-TEST(PulseExamples, APositivePulseFiresAtItsEndAndStaysArmed) {
-    const int16_t data[] = {0, 20, 20, 0};
-    Search s;
-    EXPECT_EQ(zolvex_m_trigger_pulse_width_positive_i16(data, 4, 10, 0, 0, 0, 0, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 3u);
-    EXPECT_EQ(s.block().state, 1u);
-    EXPECT_EQ(s.block().start, 1);
-
-    // Width 2 is not below 2: no trigger, and start moves to the next block.
-    Search t;
-    EXPECT_EQ(zolvex_m_trigger_pulse_width_positive_i16(data, 4, 10, 0, 1, 2, 0, &t.position, &t.state), 0);
-    EXPECT_EQ(t.position, 4u);
-    EXPECT_EQ(t.block().start, 1 - 4);
-}
-
-TEST(PulseExamples, APulseSpanningTwoBlocksIsMeasuredAcrossThem) {
-    std::vector<int16_t> first(100, 0), second(10, 0);
-    first[98] = first[99] = 20;
-    second[0] = second[1] = second[2] = 20;
-    Search s;
-    // Mode 3 with [5, 5]: only a width of exactly 5 fires.
-    EXPECT_EQ(zolvex_m_trigger_pulse_width_positive_i16(first.data(), 100, 10, 0, 3, 5, 5, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 100u);
-    EXPECT_EQ(s.block().start, -2);
-    s.position = 0;
-    EXPECT_EQ(zolvex_m_trigger_pulse_width_positive_i16(second.data(), 10, 10, 0, 3, 5, 5, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 3u);
-}
-
-TEST(PulseExamples, ModesOutsideTheTableNeverFire) {
-    const uint8_t data[] = {0, 20, 0, 20, 0};
-    for (int32_t mode : {5, 7, -1}) {
-        Search s;
-        EXPECT_EQ(zolvex_m_trigger_pulse_width_positive_u8(data, 5, 10, 0, mode, 0, 100, &s.position, &s.state), 0);
-        EXPECT_EQ(s.position, 5u) << "mode " << mode;
-    }
-}
-
-// With high at or below low every sample in [high, low] starts and ends a
-// pulse of width 0. Rejected, the search moves on instead of measuring that
-// pulse again and again; accepted, it fires there.
-TEST(PulseExamples, ARejectedWidthZeroPulseMovesOn) {
-    const uint16_t data[] = {5, 5, 5, 5};
-    for (auto width : {zolvex_m_trigger_pulse_width_positive_u16, zolvex_m_trigger_pulse_width_negative_u16}) {
-        Search never;
-        EXPECT_EQ(width(data, 4, 3, 7, 2, 0, 0, &never.position, &never.state), 0);  // d > 0 only
-        EXPECT_EQ(never.position, 4u);
-        Search zero;
-        EXPECT_EQ(width(data, 4, 3, 7, 1, 1, 0, &zero.position, &zero.state), 0);  // d < 1
-        EXPECT_EQ(zero.position, 0u);
-        EXPECT_EQ(zero.block().state, 1u);
-    }
-}
-
-TEST(PulseExamples, AnIntervalIsMeasuredFromThePreviousEdgeWhetherOrNotItFired) {
-    std::vector<int16_t> data(30, -5);  // armed strictly below level_low, 0
-    for (int edge : {10, 13, 20}) data[edge] = 20;
-    Search s;
-    EXPECT_EQ(zolvex_m_trigger_interval_positive_i16(data.data(), 30, 10, 0, 2, 5, 0, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 20u);
-    EXPECT_EQ(s.block().phase, 1u);
-    EXPECT_EQ(s.block().start, 20);
-    EXPECT_EQ(s.block().state, 0u);
-}
-
-TEST(PulseExamples, TheEarlyReturnStillMovesStartToTheNextBlock) {
-    const float data[] = {1, 2, 3};
-    Search s;
-    EXPECT_EQ(zolvex_m_trigger_interval_negative_f32(data, 0, 10, 0, 0, 0, 0, &s.position, &s.state), 0);
-    s.position = 3;
-    EXPECT_EQ(zolvex_m_trigger_interval_negative_f32(data, 3, 10, 0, 0, 0, 0, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 3u);
-    EXPECT_EQ(s.block().start, -3);
-}
 
 } // namespace
 } // namespace trigger_testing

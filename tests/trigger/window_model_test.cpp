@@ -1,5 +1,5 @@
-// The window triggers against the reference model (model_suite.h), the
-// stateless outside trigger against a plain loop, and worked examples.
+// The window triggers against the reference model (model_suite.h), and the
+// stateless outside trigger against a plain loop.
 
 #include "trigger/model_suite.h"
 
@@ -96,7 +96,7 @@ TYPED_TEST_SUITE(WindowOutside, SampleTypes);
 
 TYPED_TEST(WindowOutside, MatchesAPlainLoopInEveryRegime) {
     using T = TypeParam;
-    in_every_regime([] {
+    in_each_regime([](core::Isa) {
         SignalMaker<T> maker(seed_of(std::string("outside_") + WindowFunctions<T>::name, 1));
         for (int round = 0; round < 400; ++round) {
             const Params<T> p = random_levels(maker, {0, 1});
@@ -117,88 +117,6 @@ TYPED_TEST(WindowOutside, MatchesAPlainLoopInEveryRegime) {
                                       << describe_samples(data.data(), length, {start, position, want});
         }
     });
-}
-
-// ---------------------------------------------------------------------------
-// Worked examples.
-
-struct Search {
-    void* state = nullptr;
-    uint32_t position = 0;
-    ~Search() { zolvex_m_state_free(&state); }
-    uint32_t word() const { return *static_cast<const uint32_t*>(state); }
-};
-
-TEST(WindowExamples, InsideFiresAtAnInsideStartOrOnTheEdgeTheSignalComesFrom) {
-    const int16_t inside_now[] = {5};
-    Search s;
-    EXPECT_EQ(zolvex_m_trigger_window_inside_i16(inside_now, 1, 10, 0, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 0u);
-    EXPECT_EQ(s.word(), 0u);
-
-    // From above, the first sample at or below 10 fires, even below the window.
-    const int16_t jump[] = {20, 30, -5};
-    Search t;
-    EXPECT_EQ(zolvex_m_trigger_window_inside_i16(jump, 2, 10, 0, &t.position, &t.state), 0);
-    EXPECT_EQ(t.position, 2u);
-    EXPECT_EQ(t.word(), 1u);
-    t.position = 0;
-    EXPECT_EQ(zolvex_m_trigger_window_inside_i16(jump + 2, 1, 10, 0, &t.position, &t.state), 0);
-    EXPECT_EQ(t.position, 0u);
-    EXPECT_EQ(t.word(), 0u);
-}
-
-TEST(WindowExamples, InsideCountsANanAtTheStartAsInsideButPassesOverItLater) {
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const float data[] = {nan, 20, nan, 5};
-    Search s;
-    EXPECT_EQ(zolvex_m_trigger_window_inside_f32(data, 4, 10, 0, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 0u);
-    s.position = 1;
-    EXPECT_EQ(zolvex_m_trigger_window_inside_f32(data, 4, 10, 0, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 3u);
-}
-
-TEST(WindowExamples, OutsideTreatsTheLevelsAsInsideAndRewritesAnEndPosition) {
-    const int16_t data[] = {0, 10, 11};
-    uint32_t position = 0;
-    EXPECT_EQ(zolvex_m_trigger_window_outside_i16(data, 3, 10, 0, &position), 0);
-    EXPECT_EQ(position, 2u);
-    position = 9;
-    EXPECT_EQ(zolvex_m_trigger_window_outside_i16(data, 3, 10, 0, &position), 0);
-    EXPECT_EQ(position, 3u);
-}
-
-TEST(WindowExamples, EnterArmsBeyondTheArmLevelAndFiresInsideTheWindow) {
-    const int16_t data[] = {25, 15, 9};
-    Search s;
-    EXPECT_EQ(zolvex_m_trigger_window_enter_i16(data, 1, 20, 10, -20, -10, &s.position, &s.state), 0);
-    EXPECT_EQ(s.word(), 1u);
-    s.position = 0;
-    EXPECT_EQ(zolvex_m_trigger_window_enter_i16(data + 1, 1, 20, 10, -20, -10, &s.position, &s.state), 0);
-    EXPECT_EQ(s.word(), 2u);
-    s.position = 0;
-    EXPECT_EQ(zolvex_m_trigger_window_enter_i16(data + 2, 1, 20, 10, -20, -10, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 0u);
-    EXPECT_EQ(s.word(), 0u);
-}
-
-// A search that starts in the hysteresis band must leave the window and come
-// back within the arm levels before an exit can fire; but a new block, whose
-// first sample is looked at afresh in the idle state, may arm at once.
-TEST(WindowExamples, ExitStartingInTheHysteresisBandMustLeaveAndComeBackFirst) {
-    const int16_t data[] = {7, -7, 12, 3, 11};
-    Search s;
-    EXPECT_EQ(zolvex_m_trigger_window_exit_i16(data, 5, 5, 10, -5, -10, &s.position, &s.state), 0);
-    EXPECT_EQ(s.position, 4u);  // 7 arms nothing, 12 leaves, 3 arms, 11 fires
-    Search t;
-    EXPECT_EQ(zolvex_m_trigger_window_exit_i16(data, 2, 5, 10, -5, -10, &t.position, &t.state), 0);
-    EXPECT_EQ(t.position, 2u);
-    EXPECT_EQ(t.word(), 0u);
-    t.position = 0;
-    const int16_t next[] = {3, 11};
-    EXPECT_EQ(zolvex_m_trigger_window_exit_i16(next, 2, 5, 10, -5, -10, &t.position, &t.state), 0);
-    EXPECT_EQ(t.position, 1u);
 }
 
 } // namespace

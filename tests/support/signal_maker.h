@@ -1,6 +1,6 @@
 #pragma once
-// Random levels and signals for the trigger tests: signals that cross the
-// levels often, with flat runs longer than the vector scans' 64-sample
+// Random levels and signals for the trigger and index-search tests: signals
+// that cross the levels often, with flat runs longer than the vector scans' 64-sample
 // groups, square waves of every width around them, values at, next to and
 // far from the levels, and for floating types zeros, infinities and NaN.
 
@@ -16,14 +16,12 @@
 
 #include "support/random_data.h"
 
-namespace trigger_testing {
+namespace testing_support {
 
 // Up to four levels; each kind uses the first ones it needs, in its call
 // order.
 template <class T>
 using Levels = std::array<T, 4>;
-
-using testing_support::show;
 
 // ---------------------------------------------------------------------------
 // Random levels and signals that cross them often.
@@ -195,4 +193,4 @@ private:
     std::mt19937_64 rng_;
 };
 
-} // namespace trigger_testing
+} // namespace testing_support

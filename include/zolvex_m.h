@@ -878,24 +878,31 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f64(const double* data, uin
  * without touching any pointer; pointers are not tested for null. All return
  * 0. Thread-safe: they keep no state (unwrap's state is the caller's).
  *
- * Accuracy: every result is within 1 ulp of the exact value (hypot and
- * magnitude within 0.5001 ulp; sqrt and pow2 correctly rounded), for every
- * input, subnormal inputs and results included: the kernels call the SLEEF
- * vector maths library's 1.0-ulp (0.5-ulp for hypot) functions. The worst
- * errors measured against extended-precision references are in the README.
- * Special values (+-0, +-inf, NaN, domain edges, poles) are those of C99
- * Annex F: e.g. sin(-0) = -0, log(0) = -inf, log(-1) = NaN, pow(x, 0) = 1
- * even for NaN x, pow(-inf, -3) = -0, hypot(inf, NaN) = inf, atan2(+-0, -0)
- * = +-pi. Floating-point exception flags and errno are not set as <math.h>
- * would set them. A NaN result may carry any NaN payload.
+ * Accuracy: every result is within 1 ulp of the exact value (sqrt, pow2,
+ * hypot, magnitude and logn within 0.5 ulp plus a hair), for every input,
+ * subnormal inputs and results included. The kernels call the SLEEF vector
+ * maths library's 1.0-ulp functions (0.5 ulp for hypot). Where SLEEF 3.5
+ * misses that bound (erf, atan2, hypot and magnitude with results within
+ * 2^digits of the smallest normal number; sinh and cosh within a few units
+ * of overflow; asinh and acosh of arguments beyond the square root of the
+ * largest value; pow overflowing for finite operands), those elements are
+ * computed one at a time in x87 extended precision and rounded once, which
+ * is slower; tiny arguments (x^2 < 2^-digits) of tan, sinh, tanh, asinh and
+ * atanh give x, within 1/3 ulp. Special values (+-0, +-inf, NaN, domain
+ * edges, poles) are those of C99 Annex F: e.g. sin(-0) = -0, log(0) = -inf,
+ * log(-1) = NaN, pow(x, 0) = 1 even for NaN x, pow(-inf, -3) = -0,
+ * hypot(inf, NaN) = inf, atan2(+-0, -0) = +-pi. Floating-point exception
+ * flags and errno are not set as <math.h> would set them. A NaN result may
+ * carry any NaN payload and sign.
  *
  * Kernels: generic (SSE2), SSE4.2, AVX, AVX2 (with FMA3), AVX-512 (F with
- * CD). Every function except logn_f64 and unwrap (one kernel each) has one
- * per level. Last-bit rule: the generic, SSE4.2 and AVX kernels give
- * identical results; the AVX2 and AVX-512 kernels use fused multiply-add and
- * give identical results to each other, which may differ from the first
- * group's in the last bit (both within the bound above). sqrt, pow2 and
- * logn_f32/f64 give identical results on every level. */
+ * CD), for every function but logn_f64 and unwrap (one kernel each).
+ * Last-bit rule: the generic, SSE4.2 and AVX kernels give identical results
+ * (SLEEF's deterministic family without fused multiply-add); the AVX2 and
+ * AVX-512 kernels use its fused family, about twice as fast, and give
+ * identical results to each other, which may differ from the first group's
+ * in the last bit (both within the bound above). sqrt, pow2, logn_f64 and
+ * unwrap give identical results on every level. */
 
 /* sin, cos, tan (radians; arguments of any size are reduced exactly),
  * asin, acos, atan, sinh, cosh, tanh, asinh, acosh, atanh. */
@@ -949,12 +956,12 @@ ZOLVEX_M_API int32_t zolvex_m_pow2_f64(const double* x, double* out, uint32_t n)
 
 /* out[i] = log(x[i]) / log(base), the logarithm to a base given once per
  * call. Computed with more precision than the element type (f32: double
- * precision, f64: the x87 extended format, one element at a time), so both
- * are within 1 ulp; special values follow from that quotient of the two
- * natural logarithms with IEEE division: base 1 gives +-inf (NaN for x = 1),
- * a base of 0, below 0 or NaN gives 0 or NaN, x = base gives 1 (for finite
- * base > 0, != 1). f32 has a kernel per level (the last-bit rule above);
- * f64 one kernel. */
+ * precision, f64: the x87 extended format, one element at a time, slower
+ * than log), then rounded once; special values are those of that quotient
+ * of two natural logarithms with IEEE division: base 1 gives +-inf (NaN for
+ * x = 1), a base of 0 gives +-0 (NaN for x = 0 or inf), a base below 0
+ * or NaN gives NaN,
+ * x = base gives 1 (finite base > 0, != 1). */
 ZOLVEX_M_API int32_t zolvex_m_logn_f32(const float* x, float* out, uint32_t n, float base);
 ZOLVEX_M_API int32_t zolvex_m_logn_f64(const double* x, double* out, uint32_t n, double base);
 

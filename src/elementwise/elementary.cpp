@@ -36,7 +36,8 @@ constexpr unsigned kVectorBytes = 16;
 // time, the same on every level.
 void logn_f64(const double* x, double* out, uint32_t n, double base) noexcept {
     const long double log_base = std::log(static_cast<long double>(base));
-    for (uint32_t i = 0; i < n; ++i) out[i] = static_cast<double>(std::log(static_cast<long double>(x[i])) / log_base);
+    for (uint32_t i = 0; i < n; ++i)
+        out[i] = static_cast<double>(std::log(static_cast<long double>(x[i])) / log_base);
 }
 
 } // namespace generic

@@ -1,4 +1,5 @@
-// The elementary functions for AVX: SLEEF's family without fused multiply-add (cinz), eight floats or four doubles a call.
+// The elementary functions for AVX: SLEEF's family without fused multiply-add
+// (cinz), eight floats or four doubles a call.
 
 #include <immintrin.h>
 #include <sleef.h>

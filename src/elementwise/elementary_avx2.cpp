@@ -1,4 +1,5 @@
-// The elementary functions for AVX2+FMA3: SLEEF's fused family (finz), eight floats or four doubles a call.
+// The elementary functions for AVX2+FMA3: SLEEF's fused family (finz), eight
+// floats or four doubles a call.
 
 #include <immintrin.h>
 #include <sleef.h>

@@ -1,4 +1,5 @@
-// The elementary functions for AVX-512 (F with CD): SLEEF's fused family (finz), sixteen floats or eight doubles a call.
+// The elementary functions for AVX-512 (F with CD): SLEEF's fused family
+// (finz), sixteen floats or eight doubles a call.
 
 #include <immintrin.h>
 #include <sleef.h>

@@ -1,4 +1,5 @@
-// The elementary functions for SSE4.2: SLEEF's family without fused multiply-add (cinz), four floats or two doubles a call.
+// The elementary functions for SSE4.2: SLEEF's family without fused multiply-
+// add (cinz), four floats or two doubles a call.
 
 #include <immintrin.h>
 #include <sleef.h>

@@ -1076,6 +1076,152 @@ ZOLVEX_M_API int32_t zolvex_m_waveform_square_f64(double* out, uint32_t count, d
 ZOLVEX_M_API int32_t zolvex_m_waveform_triangle_f64(double* out, uint32_t count, double amplitude,
     double offset, double frequency, double phase, uint64_t start);
 
+/* ------------------------------------------------------------------------ */
+/* Elementary functions                                                     */
+/* ------------------------------------------------------------------------ */
+/* out[i] = f(x[i]) for the functions of C's <math.h> (and two of this
+ * library's own: pow2, logn; plus magnitude, sincos and unwrap below).
+ * Conventions as for the arithmetic: inputs, then outputs, then the count,
+ * then constants; any output may be an input array; a count of 0 returns 0
+ * without touching any pointer; pointers are not tested for null. All return
+ * 0. Thread-safe: they keep no state (unwrap's state is the caller's).
+ *
+ * Accuracy: every result is within 1 ulp of the exact value (sqrt, pow2,
+ * hypot, magnitude and logn within 0.5 ulp plus a hair), for every input,
+ * subnormal inputs and results included. The kernels call the SLEEF vector
+ * maths library's 1.0-ulp functions (0.5 ulp for hypot). Where SLEEF 3.5
+ * misses that bound (erf, atan2, hypot and magnitude with results within
+ * 2^digits of the smallest normal number; sinh and cosh within a few units
+ * of overflow; asinh and acosh of arguments beyond the square root of the
+ * largest value; pow overflowing for finite operands), those elements are
+ * computed one at a time in x87 extended precision and rounded once, which
+ * is slower; tiny arguments (x^2 < 2^-digits) of tan, sinh, tanh, asinh and
+ * atanh give x, within 1/3 ulp. Special values (+-0, +-inf, NaN, domain
+ * edges, poles) are those of C99 Annex F: e.g. sin(-0) = -0, log(0) = -inf,
+ * log(-1) = NaN, pow(x, 0) = 1 even for NaN x, pow(-inf, -3) = -0,
+ * hypot(inf, NaN) = inf, atan2(+-0, -0) = +-pi. Floating-point exception
+ * flags and errno are not set as <math.h> would set them. A NaN result may
+ * carry any NaN payload and sign.
+ *
+ * Kernels: generic (SSE2), SSE4.2, AVX, AVX2 (with FMA3), AVX-512 (F with
+ * CD), for every function but logn_f64 and unwrap (one kernel each).
+ * Last-bit rule: the generic, SSE4.2 and AVX kernels give identical results
+ * (SLEEF's deterministic family without fused multiply-add); the AVX2 and
+ * AVX-512 kernels use its fused family, about twice as fast, and give
+ * identical results to each other, which may differ from the first group's
+ * in the last bit (both within the bound above). sqrt, pow2, logn_f64 and
+ * unwrap give identical results on every level. */
+
+/* sin, cos, tan (radians; arguments of any size are reduced exactly),
+ * asin, acos, atan, sinh, cosh, tanh, asinh, acosh, atanh. */
+ZOLVEX_M_API int32_t zolvex_m_sin_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_sin_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_cos_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_cos_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_tan_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_tan_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_asin_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_asin_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_acos_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_acos_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_atan_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_atan_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_sinh_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_sinh_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_cosh_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_cosh_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_tanh_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_tanh_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_asinh_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_asinh_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_acosh_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_acosh_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_atanh_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_atanh_f64(const double* x, double* out, uint32_t n);
+
+/* exp (e^x), exp2 (2^x), log (natural), log2, log10, sqrt, cbrt, erf. */
+ZOLVEX_M_API int32_t zolvex_m_exp_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_exp_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_exp2_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_exp2_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_log_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_log_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_log2_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_log2_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_log10_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_log10_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_sqrt_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_sqrt_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_cbrt_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_cbrt_f64(const double* x, double* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_erf_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_erf_f64(const double* x, double* out, uint32_t n);
+
+/* out[i] = x[i] * x[i], the square (the partner of exp2, which is 2^x):
+ * one correctly rounded multiplication, with the kernels of zolvex_m_mul. */
+ZOLVEX_M_API int32_t zolvex_m_pow2_f32(const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_pow2_f64(const double* x, double* out, uint32_t n);
+
+/* out[i] = log(x[i]) / log(base), the logarithm to a base given once per
+ * call. Computed with more precision than the element type (f32: double
+ * precision, f64: the x87 extended format, one element at a time, slower
+ * than log), then rounded once; special values are those of that quotient
+ * of two natural logarithms with IEEE division: base 1 gives +-inf (NaN for
+ * x = 1), a base of 0 gives +-0 (NaN for x = 0 or inf), a base below 0
+ * or NaN gives NaN,
+ * x = base gives 1 (finite base > 0, != 1). */
+ZOLVEX_M_API int32_t zolvex_m_logn_f32(const float* x, float* out, uint32_t n, float base);
+ZOLVEX_M_API int32_t zolvex_m_logn_f64(const double* x, double* out, uint32_t n, double base);
+
+/* out[i] = pow(x[i], y[i]), x to the power y. */
+ZOLVEX_M_API int32_t zolvex_m_pow_f32(const float* x, const float* y, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_pow_f64(const double* x, const double* y, double* out, uint32_t n);
+/* out[i] = hypot(x[i], y[i]) = sqrt(x^2 + y^2) without overflow or
+ * underflow on the way. */
+ZOLVEX_M_API int32_t zolvex_m_hypot_f32(const float* x, const float* y, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_hypot_f64(const double* x, const double* y, double* out, uint32_t n);
+/* out[i] = atan2(y[i], x[i]), the angle of the point (x, y) in [-pi, pi];
+ * y comes first, as in C. */
+ZOLVEX_M_API int32_t zolvex_m_atan2_f32(const float* y, const float* x, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_atan2_f64(const double* y, const double* x, double* out, uint32_t n);
+
+/* out[i] = |z[i]| = hypot(re, im) of n interleaved complex values
+ * z[2i] (real part), z[2i + 1] (imaginary part); z holds 2n elements.
+ * out may be z (the results then fill its first n elements). */
+ZOLVEX_M_API int32_t zolvex_m_magnitude_c32f32(const float* z, float* out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_magnitude_c64f64(const double* z, double* out, uint32_t n);
+
+/* sin_out[i] = sin(x[i]), cos_out[i] = cos(x[i]), the values sin and cos
+ * give, in one pass. sin_out and cos_out must be different arrays. */
+ZOLVEX_M_API int32_t zolvex_m_sincos_f32(const float* x, float* sin_out, float* cos_out, uint32_t n);
+ZOLVEX_M_API int32_t zolvex_m_sincos_f64(const double* x, double* sin_out, double* cos_out, uint32_t n);
+
+/* Where a phase record continues after its last block. Zero-fill it before
+ * the first block ({0} in C); unwrap fills it in. f32 values are held
+ * exactly in the doubles. */
+typedef struct ZolvexMUnwrapState {
+    double previous;    /* the last input sample so far */
+    double correction;  /* the multiple of 2*pi added to it (summed) */
+    uint32_t started;   /* 0 until the record's first sample was seen */
+} ZolvexMUnwrapState;
+
+/* Phase unwrapping as numpy.unwrap(x) does it (period 2*pi): where two
+ * consecutive samples differ by pi or more, every later sample is shifted by
+ * the multiple of 2*pi that brings the difference into [-pi, pi] (a jump of
+ * exactly +pi stays +pi, -pi stays -pi). Computed with numpy's operations in
+ * the element type (its constants rounded to it), so the results are
+ * numpy.unwrap's bit for bit; the first sample of a record is copied.
+ * Summed corrections are not exact: a long record's later samples carry
+ * the rounding of the running sum, as numpy's do. A NaN or infinite sample
+ * makes it and every later output NaN, as in numpy.
+ * state NULL: x is a whole record. Otherwise the call continues the record
+ * that *state describes (a zero-filled one starts a record) and leaves
+ * *state at the end of this block, so a record unwrapped block by block
+ * gives the same bits as in one call. A count of 0 leaves *state as it is.
+ * One kernel (a running sum). */
+ZOLVEX_M_API int32_t zolvex_m_unwrap_f32(const float* x, float* out, uint32_t n, ZolvexMUnwrapState* state);
+ZOLVEX_M_API int32_t zolvex_m_unwrap_f64(const double* x, double* out, uint32_t n, ZolvexMUnwrapState* state);
+
 #ifdef __cplusplus
 }
 #endif

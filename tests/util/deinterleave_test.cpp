@@ -1,0 +1,133 @@
+// De-interleaving: every channel count and sample type through the public
+// functions in every kernel regime against the generic regime (the plain
+// loop), and every regime against direct indexing of the source, with the
+// destinations at their own misalignments behind sentinels; totals of 0 and
+// below; the one-channel extraction against the same indexing.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "support/differential.h"
+#include "zolvex_m.h"
+
+namespace {
+
+using testing_support::GuardedOutput;
+using testing_support::Shape;
+
+#define SPLIT_CASES(suffix)                                                                        \
+    switch (n) {                                                                                   \
+    case 2: return zolvex_m_deinterleave2_##suffix(source, total, d[0], d[1]);                     \
+    case 3: return zolvex_m_deinterleave3_##suffix(source, total, d[0], d[1], d[2]);               \
+    case 4: return zolvex_m_deinterleave4_##suffix(source, total, d[0], d[1], d[2], d[3]);         \
+    case 5: return zolvex_m_deinterleave5_##suffix(source, total, d[0], d[1], d[2], d[3], d[4]);   \
+    case 6: return zolvex_m_deinterleave6_##suffix(source, total, d[0], d[1], d[2], d[3], d[4], d[5]); \
+    }                                                                                              \
+    return -100;
+
+int32_t split(unsigned n, const uint8_t* source, int32_t total, uint8_t* const* d) { SPLIT_CASES(u8) }
+int32_t split(unsigned n, const uint16_t* source, int32_t total, uint16_t* const* d) { SPLIT_CASES(u16) }
+#undef SPLIT_CASES
+
+// The driver's shapes, then every rest after several steps of the widest
+// kernels (64 frames of six u8 channels take 384 samples), and a large one.
+std::vector<Shape> split_shapes() {
+    std::vector<Shape> shapes = testing_support::differential_shapes();
+    uint32_t k = 0;
+    for (uint32_t total = 301; total < 2700; total += 11, ++k) shapes.push_back({total, k % 4, 5000 + k});
+    shapes.push_back({(3u << 20) + 5, 1, 7});
+    return shapes;
+}
+
+// Channel c's samples, each checked against the source; the sentinels catch
+// a write past the channel's last sample.
+template <class T>
+std::vector<std::vector<T>> split_and_check(unsigned n, const Shape& s) {
+    auto source = testing_support::shaped_input<T>(s);
+    const uint32_t frames = s.length / n, rest = s.length % n;
+    std::vector<GuardedOutput<T>> outputs;
+    std::vector<T*> d;
+    for (unsigned c = 0; c < n; ++c) outputs.emplace_back(Shape{0, (s.offset + c) % 4, 0}, frames + (c < rest));
+    for (auto& out : outputs) d.push_back(out.data());
+    EXPECT_EQ(split(n, source.data(), static_cast<int32_t>(s.length), d.data()), 0);
+    std::vector<std::vector<T>> channels;
+    for (unsigned c = 0; c < n; ++c) {
+        channels.push_back(outputs[c].values());
+        for (size_t f = 0; f < channels[c].size(); ++f)
+            if (channels[c][f] != source.data()[f * n + c]) {
+                ADD_FAILURE() << n << " channels, total " << s.length << ": channel " << c << " frame " << f;
+                return channels;
+            }
+    }
+    return channels;
+}
+
+template <class T>
+void expect_every_regime_splits_exactly() {
+    const std::vector<Shape> shapes = split_shapes();
+    for (unsigned n = 2; n <= 6; ++n) {
+        SCOPED_TRACE(::testing::Message() << n << " channels of " << sizeof(T) << "-byte samples");
+        testing_support::expect_regimes_agree([n](const Shape& s) { return split_and_check<T>(n, s); }, shapes);
+    }
+}
+
+TEST(Deinterleave, EveryKernelWritesWhatThePlainLoopWritesU8) { expect_every_regime_splits_exactly<uint8_t>(); }
+TEST(Deinterleave, EveryKernelWritesWhatThePlainLoopWritesU16) { expect_every_regime_splits_exactly<uint16_t>(); }
+
+template <class T>
+void expect_nothing_written_for_non_positive_totals() {
+    testing_support::in_each_regime([](core::Isa) {
+        const std::vector<T> source(64, T(7));
+        for (unsigned n = 2; n <= 6; ++n)
+            for (int32_t total : {0, -1, -int32_t(n), -int32_t(n) - 1, -1000, INT32_MIN}) {
+                std::vector<GuardedOutput<T>> outputs;
+                std::vector<T*> d;
+                for (unsigned c = 0; c < n; ++c) outputs.emplace_back(Shape{0, c % 4, 0});
+                for (auto& out : outputs) d.push_back(out.data());
+                EXPECT_EQ(split(n, source.data(), total, d.data()), 0);
+                for (auto& out : outputs) out.values();
+            }
+    });
+}
+
+TEST(Deinterleave, TotalsOfZeroAndBelowWriteNothing) {
+    expect_nothing_written_for_non_positive_totals<uint8_t>();
+    expect_nothing_written_for_non_positive_totals<uint16_t>();
+}
+
+// The one-channel function against byte indexing, for sample sizes with and
+// without their own loop, and against the fixed functions' channels.
+TEST(Deinterleave, OneChannelOfAnySampleSize) {
+    const std::vector<uint8_t> source = testing_support::random_vector<uint8_t>(9000, 3);
+    for (uint32_t size : {0u, 1u, 2u, 3u, 4u, 8u, 12u})
+        for (uint32_t channels : {1u, 2u, 4u, 7u})
+            for (uint32_t count : {0u, 1u, 5u, 100u}) {
+                const uint32_t channel = channels - 1;
+                GuardedOutput<uint8_t> out(Shape{0, size % 4, 0}, count * size);
+                ASSERT_EQ(zolvex_m_deinterleave(source.data(), channel, channels, count, size, out.data()), 0);
+                const std::vector<uint8_t> got = out.values();
+                for (uint32_t i = 0; i < count * size; ++i)
+                    ASSERT_EQ(got[i], source[(i / size * channels + channel) * size + i % size])
+                        << "size " << size << ", " << channels << " channels, byte " << i;
+            }
+    // Nothing to copy: no pointer is touched.
+    EXPECT_EQ(zolvex_m_deinterleave(nullptr, 1, 2, 0, 2, nullptr), 0);
+    EXPECT_EQ(zolvex_m_deinterleave(nullptr, 1, 2, 9, 0, nullptr), 0);
+}
+
+TEST(Deinterleave, OneChannelMatchesTheFixedFunctions) {
+    const std::vector<uint16_t> source = testing_support::random_vector<uint16_t>(3 * 1000 + 2, 4);
+    std::vector<uint16_t> all[3], one(1001);
+    for (auto& channel : all) channel.resize(1001);
+    uint16_t* d[3] = {all[0].data(), all[1].data(), all[2].data()};
+    ASSERT_EQ(split(3, source.data(), 3002, d), 0);
+    for (uint32_t c = 0; c < 3; ++c) {
+        ASSERT_EQ(zolvex_m_deinterleave(source.data(), c, 3, c < 2 ? 1001 : 1000, 2, one.data()), 0);
+        EXPECT_TRUE(std::memcmp(one.data(), all[c].data(), (c < 2 ? 1001 : 1000) * 2) == 0) << "channel " << c;
+    }
+}
+
+} // namespace

@@ -1,5 +1,7 @@
-// AVX2 de-interleaving: two 128-bit lanes per vector, otherwise as SSE4.2;
-// the scheme is in deinterleave_loops.inc.
+// AVX2 de-interleaving: two 128-bit lanes per vector, each loaded from its
+// own block so that no lane crosses the vector afterwards (crossing lanes is
+// the slow shuffle here); otherwise as SSE4.2. The scheme is in
+// deinterleave_loops.inc.
 
 #include <immintrin.h>
 
@@ -16,26 +18,24 @@ namespace {
 struct Lanes {
     using V = __m256i;
     static constexpr size_t kLanes = 2;
+    static constexpr bool kShuffleHalves = true;
     static V load(const void* p) { return _mm256_loadu_si256(static_cast<const V*>(p)); }
     static void store(void* p, V v) { _mm256_storeu_si256(static_cast<V*>(p), v); }
     static V load_lanes(const uint8_t* p, size_t stride) {
         return _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(p + stride), reinterpret_cast<const __m128i*>(p));
     }
+    static V load_step(const uint8_t* step, unsigned j, unsigned n) { return load_lanes(step + 16 * j, 16 * n); }
     static V repeat(const Bytes16& bytes) {
         return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data())));
     }
     static V shuffle(V v, V control) { return _mm256_shuffle_epi8(v, control); }
     static V select(V mask, V a, V b) { return _mm256_blendv_epi8(a, b, mask); }
-    static V both(V a, V b) { return _mm256_and_si256(a, b); }
-    static V high_bytes(V v) { return _mm256_srli_epi16(v, 8); }
-    static V high_words(V v) { return _mm256_srli_epi32(v, 16); }
-    static V pack_words(V a, V b) { return _mm256_packus_epi16(a, b); }
-    static V pack_dwords(V a, V b) { return _mm256_packus_epi32(a, b); }
+    static V low_quads(V a, V b) { return _mm256_unpacklo_epi64(a, b); }
+    static V high_quads(V a, V b) { return _mm256_unpackhi_epi64(a, b); }
     static V even_dwords(V a, V b) { return dwords<0x88>(a, b); }
     static V odd_dwords(V a, V b) { return dwords<0xDD>(a, b); }
-    // Groups of 8 bytes: 0 2 1 3; of 4 bytes: 0 4 1 5 2 6 3 7.
-    static V quads_in_order(V v) { return _mm256_permute4x64_epi64(v, 0xD8); }
-    static V dwords_in_order(V v) { return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)); }
+    static V quads_in_order(V v) { return v; }
+    static V dwords_in_order(V v) { return v; }
 
     template <int kPick>
     static V dwords(V a, V b) {

@@ -1,6 +1,8 @@
-// AVX-512BW de-interleaving: four 128-bit lanes per vector, otherwise as
-// SSE4.2; blends are one bitwise select (vpternlog); the scheme is in
-// deinterleave_loops.inc.
+// AVX-512BW de-interleaving: four 128-bit lanes per vector. Every shuffle
+// of 512-bit vectors takes the one shuffle port, so halving masks, shifts
+// and packs (one shuffle per result) and reads vectors as they lie, one
+// lane-crossing permute per result restoring the order; blends are one
+// bitwise select (vpternlog). The scheme is in deinterleave_loops.inc.
 
 // GCC 12 warns about the deliberately undefined pass-through operand inside
 // its own AVX-512 intrinsics: the warning points into the header, not at
@@ -24,6 +26,7 @@ namespace {
 struct Lanes {
     using V = __m512i;
     static constexpr size_t kLanes = 4;
+    static constexpr bool kShuffleHalves = false;
     static V load(const void* p) { return _mm512_loadu_si512(p); }
     static void store(void* p, V v) { _mm512_storeu_si512(p, v); }
     static V load_lanes(const uint8_t* p, size_t stride) {
@@ -32,6 +35,7 @@ struct Lanes {
         v = _mm512_inserti32x4(v, lane(p + 2 * stride), 2);
         return _mm512_inserti32x4(v, lane(p + 3 * stride), 3);
     }
+    static V load_step(const uint8_t* step, unsigned j, unsigned) { return load(step + 64 * j); }
     static V repeat(const Bytes16& bytes) { return _mm512_broadcast_i32x4(lane(bytes.data())); }
     static V shuffle(V v, V control) { return _mm512_shuffle_epi8(v, control); }
     // Truth table of mask ? b : a over the operands (mask, b, a).

@@ -1,0 +1,114 @@
+// De-interleaving against memcpy of the same bytes, per kernel regime, at
+// 256 KiB (L2) and 64 MiB of source. Each iteration times the split and then
+// a memcpy of the source into a buffer of its size, alternately, so both
+// see the same machine; `vs_memcpy` is the memcpy time over the split time
+// (1.0: as fast as copying the bytes once). Times are the thread's processor
+// time.
+
+#include <ctime>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "harness.h"
+
+namespace bench {
+namespace {
+
+const std::vector<int64_t> kSplitSizes = {16 << 10, 256 << 10, 64 << 20};
+// The regimes whose kernels differ for this family.
+const std::vector<int64_t> kSplitRegimes = {kGeneric, kSse42, kAvx2Fma3, kAvx512Bw};
+
+// Processor time of this thread: the machine is shared, and time spent
+// waiting for another process is neither the split's nor memcpy's.
+double thread_seconds() {
+    timespec now;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return double(now.tv_sec) + 1e-9 * double(now.tv_nsec);
+}
+
+template <class T>
+int32_t split(unsigned n, const T* source, int32_t total, T* const* d);
+
+#define SPLIT_CASES(suffix)                                                                        \
+    switch (n) {                                                                                   \
+    case 2: return zolvex_m_deinterleave2_##suffix(source, total, d[0], d[1]);                     \
+    case 3: return zolvex_m_deinterleave3_##suffix(source, total, d[0], d[1], d[2]);               \
+    case 4: return zolvex_m_deinterleave4_##suffix(source, total, d[0], d[1], d[2], d[3]);         \
+    case 5: return zolvex_m_deinterleave5_##suffix(source, total, d[0], d[1], d[2], d[3], d[4]);   \
+    case 6: return zolvex_m_deinterleave6_##suffix(source, total, d[0], d[1], d[2], d[3], d[4], d[5]); \
+    }                                                                                              \
+    return -1;
+template <>
+int32_t split(unsigned n, const uint8_t* source, int32_t total, uint8_t* const* d) { SPLIT_CASES(u8) }
+template <>
+int32_t split(unsigned n, const uint16_t* source, int32_t total, uint16_t* const* d) { SPLIT_CASES(u16) }
+#undef SPLIT_CASES
+
+// Runs `work` against memcpy of `bytes`, alternately, and reports both.
+template <class Work>
+void against_memcpy(benchmark::State& state, const uint8_t* source, size_t bytes, Work work) {
+    Buffer<uint8_t> copy(bytes, 0);
+    double work_seconds = 0, copy_seconds = 0;
+    for (auto _ : state) {
+        const double start = thread_seconds();
+        work();
+        benchmark::ClobberMemory();
+        const double middle = thread_seconds();
+        std::memcpy(copy.data(), source, bytes);
+        benchmark::ClobberMemory();
+        const double end = thread_seconds();
+        work_seconds += middle - start;
+        copy_seconds += end - middle;
+        state.SetIterationTime(middle - start);
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(bytes) * state.iterations());
+    state.counters["vs_memcpy"] = copy_seconds / work_seconds;
+    state.counters["memcpy_GBps"] = double(bytes) * double(state.iterations()) / copy_seconds * 1e-9;
+}
+
+template <class T>
+void BM_deinterleave(benchmark::State& state, unsigned n) {
+    if (!apply_regime(state.range(1))) return state.SkipWithError("regime not supported");
+    const size_t bytes = static_cast<size_t>(state.range(0)), total = bytes / sizeof(T);
+    Buffer<T> source(total, T(3));
+    std::vector<std::unique_ptr<Buffer<T>>> channels;
+    std::vector<T*> d;
+    for (unsigned c = 0; c < n; ++c) d.push_back(channels.emplace_back(new Buffer<T>(total / n + 1))->data());
+    against_memcpy(state, reinterpret_cast<const uint8_t*>(source.data()), bytes,
+                   [&] { split(n, source.data(), static_cast<int32_t>(total), d.data()); });
+}
+
+// The one-channel function, called once per channel: four channels of
+// 2-byte samples.
+void BM_deinterleave_one_channel(benchmark::State& state) {
+    constexpr uint32_t kChannels = 4, kSize = 2;
+    const size_t bytes = static_cast<size_t>(state.range(0));
+    const uint32_t count = static_cast<uint32_t>(bytes / (kChannels * kSize));
+    Buffer<uint8_t> source(bytes, 3);
+    std::vector<std::vector<uint8_t>> channels(kChannels, std::vector<uint8_t>(size_t(count) * kSize));
+    against_memcpy(state, source.data(), bytes, [&] {
+        for (uint32_t c = 0; c < kChannels; ++c)
+            zolvex_m_deinterleave(source.data(), c, kChannels, count, kSize, channels[c].data());
+    });
+}
+
+void register_all() {
+    for (unsigned n = 2; n <= 6; ++n)
+        for (bool words : {false, true}) {
+            std::string name = "deinterleave" + std::to_string(n) + (words ? "_u16" : "_u8");
+            auto* b = words ? benchmark::RegisterBenchmark(name.c_str(), BM_deinterleave<uint16_t>, n)
+                            : benchmark::RegisterBenchmark(name.c_str(), BM_deinterleave<uint8_t>, n);
+            b->ArgNames({"bytes", "regime"})->UseManualTime();
+            for (int64_t size : kSplitSizes)
+                for (int64_t regime : kSplitRegimes) b->Args({size, regime});
+        }
+    auto* b = benchmark::RegisterBenchmark("deinterleave_one_channel_4x2bytes", BM_deinterleave_one_channel);
+    b->ArgNames({"bytes"})->UseManualTime();
+    for (int64_t size : kSplitSizes) b->Arg(size);
+}
+
+const bool kRegistered = (register_all(), true);
+
+} // namespace
+} // namespace bench

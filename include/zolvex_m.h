@@ -874,9 +874,9 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f64(const double* data, uin
 /* Element-wise operations on raw integer samples (and clipping of every
  * sample type), with the conventions of this header: inputs, output, count,
  * constants; out may be x; a count of 0 touches nothing. All return 0,
- * except the shifts on the accelerator (below). Kernels: SSE4.2 (shifts and
- * clip), AVX2 (with FMA3) and AVX-512BW (F, CD and BW) for all, each with
- * the plain loop's results.
+ * except the shifts on the accelerator (below). Kernels: SSE4.2 (the shifts
+ * and clip of u16 and u32), AVX2 (with FMA3) and AVX-512BW (F, CD and BW)
+ * for all, each with the plain loop's results.
  *
  * zolvex_m_shl_*, zolvex_m_shr_*: out[i] = x[i] << shift, x[i] >> shift
  * (logical), keeping the element's width. A shift of the element width or

@@ -1,5 +1,5 @@
-// SSE4.2 shifts and clipping (SSE4.1's unsigned 16- and 32-bit minimum and maximum): 128-bit vectors; the loops are in
-// bitops_loops.inc.
+// SSE4.2 shifts, and clipping of u16 and u32 (SSE4.1's unsigned minimum and
+// maximum): 128-bit vectors; the loops are in bitops_loops.inc.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,6 +16,6 @@ constexpr size_t kVectorBytes = 16;
 #include "elementwise/bitops_loops.inc"
 
 ZOLVEX_M_SHIFT_TYPES(ZOLVEX_M_DEFINE_SHIFT_KERNELS)
-ZOLVEX_M_CLIP_TYPES(ZOLVEX_M_DEFINE_CLIP_KERNEL)
+ZOLVEX_M_SSE42_CLIP_TYPES(ZOLVEX_M_DEFINE_CLIP_KERNEL)
 
 } // namespace elementwise::sse42

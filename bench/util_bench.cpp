@@ -12,9 +12,12 @@
 #include <vector>
 
 #include "harness.h"
+#include "util/split_channels.h"
 
 namespace bench {
 namespace {
+
+using testing_support::split;
 
 const std::vector<int64_t> kSplitSizes = {256 << 10, 64 << 20};
 // The regimes whose kernels differ for this family.
@@ -27,24 +30,6 @@ double thread_seconds() {
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
     return double(now.tv_sec) + 1e-9 * double(now.tv_nsec);
 }
-
-template <class T>
-int32_t split(unsigned n, const T* source, int32_t total, T* const* d);
-
-#define SPLIT_CASES(suffix)                                                                        \
-    switch (n) {                                                                                   \
-    case 2: return zolvex_m_deinterleave2_##suffix(source, total, d[0], d[1]);                     \
-    case 3: return zolvex_m_deinterleave3_##suffix(source, total, d[0], d[1], d[2]);               \
-    case 4: return zolvex_m_deinterleave4_##suffix(source, total, d[0], d[1], d[2], d[3]);         \
-    case 5: return zolvex_m_deinterleave5_##suffix(source, total, d[0], d[1], d[2], d[3], d[4]);   \
-    case 6: return zolvex_m_deinterleave6_##suffix(source, total, d[0], d[1], d[2], d[3], d[4], d[5]); \
-    }                                                                                              \
-    return -1;
-template <>
-int32_t split(unsigned n, const uint8_t* source, int32_t total, uint8_t* const* d) { SPLIT_CASES(u8) }
-template <>
-int32_t split(unsigned n, const uint16_t* source, int32_t total, uint16_t* const* d) { SPLIT_CASES(u16) }
-#undef SPLIT_CASES
 
 // Runs `work` against memcpy of `bytes`, alternately, and reports both. Each
 // timing (one iteration) covers `rounds` calls, at least 4 MiB of source, so

@@ -10,26 +10,14 @@
 #include <vector>
 
 #include "support/differential.h"
+#include "util/split_channels.h"
 #include "zolvex_m.h"
 
 namespace {
 
 using testing_support::GuardedOutput;
 using testing_support::Shape;
-
-#define SPLIT_CASES(suffix)                                                                        \
-    switch (n) {                                                                                   \
-    case 2: return zolvex_m_deinterleave2_##suffix(source, total, d[0], d[1]);                     \
-    case 3: return zolvex_m_deinterleave3_##suffix(source, total, d[0], d[1], d[2]);               \
-    case 4: return zolvex_m_deinterleave4_##suffix(source, total, d[0], d[1], d[2], d[3]);         \
-    case 5: return zolvex_m_deinterleave5_##suffix(source, total, d[0], d[1], d[2], d[3], d[4]);   \
-    case 6: return zolvex_m_deinterleave6_##suffix(source, total, d[0], d[1], d[2], d[3], d[4], d[5]); \
-    }                                                                                              \
-    return -100;
-
-int32_t split(unsigned n, const uint8_t* source, int32_t total, uint8_t* const* d) { SPLIT_CASES(u8) }
-int32_t split(unsigned n, const uint16_t* source, int32_t total, uint16_t* const* d) { SPLIT_CASES(u16) }
-#undef SPLIT_CASES
+using testing_support::split;
 
 // The driver's shapes, then every rest after several steps of the widest
 // kernels (64 frames of six u8 channels take 384 samples), and a large one.

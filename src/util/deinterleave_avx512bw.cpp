@@ -38,8 +38,9 @@ struct Lanes {
     static V load_step(const uint8_t* step, unsigned j, unsigned) { return load(step + 64 * j); }
     static V repeat(const Bytes16& bytes) { return _mm512_broadcast_i32x4(lane(bytes.data())); }
     static V shuffle(V v, V control) { return _mm512_shuffle_epi8(v, control); }
-    // Truth table of mask ? b : a over the operands (mask, b, a).
-    static V select(V mask, V a, V b) { return _mm512_ternarylogic_epi32(mask, b, a, 0xCA); }
+    // Truth table of mask ? b : a over the operands (a, b, mask): a, which
+    // the caller drops, is the one the instruction overwrites.
+    static V select(V mask, V a, V b) { return _mm512_ternarylogic_epi32(a, b, mask, 0xD8); }
     static V both(V a, V b) { return _mm512_and_si512(a, b); }
     static V high_bytes(V v) { return _mm512_srli_epi16(v, 8); }
     static V high_words(V v) { return _mm512_srli_epi32(v, 16); }

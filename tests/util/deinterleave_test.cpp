@@ -37,8 +37,8 @@ std::vector<std::vector<T>> split_and_check(unsigned n, const Shape& s) {
     const uint32_t frames = s.length / n, rest = s.length % n;
     std::vector<GuardedOutput<T>> outputs;
     std::vector<T*> d;
-    for (unsigned c = 0; c < n; ++c) outputs.emplace_back(Shape{0, (s.offset + c) % 4, 0}, frames + (c < rest));
-    for (auto& out : outputs) d.push_back(out.data());
+    // Moving an output keeps its storage, so the pointers stay valid.
+    for (unsigned c = 0; c < n; ++c) d.push_back(outputs.emplace_back(Shape{0, (s.offset + c) % 4, 0}, frames + (c < rest)).data());
     EXPECT_EQ(split(n, source.data(), static_cast<int32_t>(s.length), d.data()), 0);
     std::vector<std::vector<T>> channels;
     for (unsigned c = 0; c < n; ++c) {

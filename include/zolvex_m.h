@@ -1222,6 +1222,133 @@ typedef struct ZolvexMUnwrapState {
 ZOLVEX_M_API int32_t zolvex_m_unwrap_f32(const float* x, float* out, uint32_t n, ZolvexMUnwrapState* state);
 ZOLVEX_M_API int32_t zolvex_m_unwrap_f64(const double* x, double* out, uint32_t n, ZolvexMUnwrapState* state);
 
+/* Integer and bit operations                                               */
+/* ------------------------------------------------------------------------ */
+/* Element-wise operations on raw integer samples (and clipping of every
+ * sample type), with the conventions of this header: inputs, output, count,
+ * constants; out may be x; a count of 0 touches nothing. All return 0,
+ * except the shifts on the accelerator (below). Kernels: SSE4.2 (the shifts
+ * and clip of u16 and u32), AVX2 (with FMA3) and AVX-512BW (F, CD and BW)
+ * for all, each with the plain loop's results.
+ *
+ * zolvex_m_shl_*, zolvex_m_shr_*: out[i] = x[i] << shift, x[i] >> shift
+ * (logical), keeping the element's width. A shift of the element width or
+ * more gives 0, as zolvex_m_shr_clip_* does. With ZOLVEX_M_OPT_IPP on, counts
+ * from 1 to 2^31 - 1 go to the accelerator (ippsLShiftC / ippsRShiftC, the
+ * in-place form when out == x; shifts beyond the width are passed as the
+ * width), which gives the same results; should it report an error the call
+ * returns ZOLVEX_M_STATUS_FAILED. Larger counts use the kernels. */
+ZOLVEX_M_API int32_t zolvex_m_shl_u8(const uint8_t* x, uint8_t* out, uint32_t n, uint32_t shift);
+ZOLVEX_M_API int32_t zolvex_m_shl_u16(const uint16_t* x, uint16_t* out, uint32_t n, uint32_t shift);
+ZOLVEX_M_API int32_t zolvex_m_shr_u8(const uint8_t* x, uint8_t* out, uint32_t n, uint32_t shift);
+ZOLVEX_M_API int32_t zolvex_m_shr_u16(const uint16_t* x, uint16_t* out, uint32_t n, uint32_t shift);
+
+/* Bit masks, e.g. to strip status bits from ADC words or to read the digital
+ * channels packed into a mixed-signal instrument's samples:
+ *  - zolvex_m_andc_*: out[i] = x[i] & mask;
+ *  - zolvex_m_bit_mask_set_*: out[i] = x[i] | mask;
+ *  - zolvex_m_bit_mask_test_*: out[i] = 1 if x[i] has any bit of mask set,
+ *    else 0 (a mask of 0 gives all zeros); to test for all bits of a mask,
+ *    test them one at a time. i16 works on the two's complement bits. */
+ZOLVEX_M_API int32_t zolvex_m_andc_u8(const uint8_t* x, uint8_t* out, uint32_t n, uint8_t mask);
+ZOLVEX_M_API int32_t zolvex_m_andc_i16(const int16_t* x, int16_t* out, uint32_t n, int16_t mask);
+ZOLVEX_M_API int32_t zolvex_m_andc_u16(const uint16_t* x, uint16_t* out, uint32_t n, uint16_t mask);
+ZOLVEX_M_API int32_t zolvex_m_andc_u32(const uint32_t* x, uint32_t* out, uint32_t n, uint32_t mask);
+ZOLVEX_M_API int32_t zolvex_m_bit_mask_set_u8(const uint8_t* x, uint8_t* out, uint32_t n, uint8_t mask);
+ZOLVEX_M_API int32_t zolvex_m_bit_mask_set_i16(const int16_t* x, int16_t* out, uint32_t n, int16_t mask);
+ZOLVEX_M_API int32_t zolvex_m_bit_mask_set_u16(const uint16_t* x, uint16_t* out, uint32_t n, uint16_t mask);
+ZOLVEX_M_API int32_t zolvex_m_bit_mask_set_u32(const uint32_t* x, uint32_t* out, uint32_t n, uint32_t mask);
+ZOLVEX_M_API int32_t zolvex_m_bit_mask_test_u8(const uint8_t* x, uint8_t* out, uint32_t n, uint8_t mask);
+ZOLVEX_M_API int32_t zolvex_m_bit_mask_test_i16(const int16_t* x, int16_t* out, uint32_t n, int16_t mask);
+ZOLVEX_M_API int32_t zolvex_m_bit_mask_test_u16(const uint16_t* x, uint16_t* out, uint32_t n, uint16_t mask);
+ZOLVEX_M_API int32_t zolvex_m_bit_mask_test_u32(const uint32_t* x, uint32_t* out, uint32_t n, uint32_t mask);
+
+/* zolvex_m_clip_*: v = x[i] < low ? low : x[i]; out[i] = v > high ? high : v.
+ * So low > high gives high everywhere (as zolvex_m_shr_clip_*). For f32/f64
+ * a comparison with NaN is false: a NaN sample stays NaN, and a NaN bound
+ * bounds nothing (low NaN: clip to at most high; both NaN: a copy). -0.0 and
+ * +0.0 compare equal, so a zero sample keeps its sign against a zero bound
+ * of the other sign, and a zero bound replaces only samples beyond it. */
+ZOLVEX_M_API int32_t zolvex_m_clip_u8(const uint8_t* x, uint8_t* out, uint32_t n, uint8_t low, uint8_t high);
+ZOLVEX_M_API int32_t zolvex_m_clip_i16(const int16_t* x, int16_t* out, uint32_t n, int16_t low, int16_t high);
+ZOLVEX_M_API int32_t zolvex_m_clip_u16(const uint16_t* x, uint16_t* out, uint32_t n, uint16_t low,
+                                       uint16_t high);
+ZOLVEX_M_API int32_t zolvex_m_clip_u32(const uint32_t* x, uint32_t* out, uint32_t n, uint32_t low,
+                                       uint32_t high);
+ZOLVEX_M_API int32_t zolvex_m_clip_f32(const float* x, float* out, uint32_t n, float low, float high);
+ZOLVEX_M_API int32_t zolvex_m_clip_f64(const double* x, double* out, uint32_t n, double low, double high);
+
+/* ------------------------------------------------------------------------ */
+/* Sample utilities: de-interleaving and exponential fit                     */
+/* ------------------------------------------------------------------------ */
+/* Instruments deliver several channels interleaved in one buffer (channel
+ * 0, channel 1, ..., channel 0, ...); these split it into one buffer per
+ * channel. They check no argument (null pointers included) and return 0.
+ * Destinations must not overlap the source or each other.
+ *
+ * zolvex_m_deinterleave: one channel of any sample size. Copies `count`
+ * samples of `sample_size` bytes, the first at source + channel *
+ * sample_size, each following one channel_count * sample_size bytes further
+ * on, to consecutive places in destination (count * sample_size bytes).
+ * With one channel (or a sample size of 0) that is one block copy. The
+ * stride is computed in 64 bits and never wraps. */
+ZOLVEX_M_API int32_t zolvex_m_deinterleave(const void* source, uint32_t channel, uint32_t channel_count,
+                                           uint32_t count, uint32_t sample_size, void* destination);
+
+/* zolvex_m_deinterleaveN_u8 / _u16, N = 2 to 6: all channels at once.
+ * total is the number of samples in source, all channels together: with
+ * frames = total / N and rest = total % N (truncating),
+ * destination_c[f] = source[f * N + c] for f < frames, and the rest
+ * samples of the incomplete last frame go to the first `rest` channels
+ * (destination_c[frames] = source[frames * N + c], c < rest): the first
+ * channels may receive one sample more. A total of 0 or less writes
+ * nothing. Kernels, chosen per call, all writing exactly what the plain loop
+ * writes: byte shuffles of 128-bit vectors (SSE4.2) for 2 to 4 channels; of
+ * 256-bit vectors (AVX2 with FMA3) and 512-bit vectors (AVX-512BW) for 2 to
+ * 6 channels. */
+ZOLVEX_M_API int32_t zolvex_m_deinterleave2_u8(const uint8_t* source, int32_t total, uint8_t* destination0,
+                                               uint8_t* destination1);
+ZOLVEX_M_API int32_t zolvex_m_deinterleave3_u8(const uint8_t* source, int32_t total, uint8_t* destination0,
+                                               uint8_t* destination1, uint8_t* destination2);
+ZOLVEX_M_API int32_t zolvex_m_deinterleave4_u8(const uint8_t* source, int32_t total, uint8_t* destination0,
+                                               uint8_t* destination1, uint8_t* destination2,
+                                               uint8_t* destination3);
+ZOLVEX_M_API int32_t zolvex_m_deinterleave5_u8(const uint8_t* source, int32_t total, uint8_t* destination0,
+                                               uint8_t* destination1, uint8_t* destination2,
+                                               uint8_t* destination3, uint8_t* destination4);
+ZOLVEX_M_API int32_t zolvex_m_deinterleave6_u8(const uint8_t* source, int32_t total, uint8_t* destination0,
+                                               uint8_t* destination1, uint8_t* destination2,
+                                               uint8_t* destination3, uint8_t* destination4,
+                                               uint8_t* destination5);
+ZOLVEX_M_API int32_t zolvex_m_deinterleave2_u16(const uint16_t* source, int32_t total, uint16_t* destination0,
+                                                uint16_t* destination1);
+ZOLVEX_M_API int32_t zolvex_m_deinterleave3_u16(const uint16_t* source, int32_t total, uint16_t* destination0,
+                                                uint16_t* destination1, uint16_t* destination2);
+ZOLVEX_M_API int32_t zolvex_m_deinterleave4_u16(const uint16_t* source, int32_t total, uint16_t* destination0,
+                                                uint16_t* destination1, uint16_t* destination2,
+                                                uint16_t* destination3);
+ZOLVEX_M_API int32_t zolvex_m_deinterleave5_u16(const uint16_t* source, int32_t total, uint16_t* destination0,
+                                                uint16_t* destination1, uint16_t* destination2,
+                                                uint16_t* destination3, uint16_t* destination4);
+ZOLVEX_M_API int32_t zolvex_m_deinterleave6_u16(const uint16_t* source, int32_t total, uint16_t* destination0,
+                                                uint16_t* destination1, uint16_t* destination2,
+                                                uint16_t* destination3, uint16_t* destination4,
+                                                uint16_t* destination5);
+
+/* zolvex_m_fit_exp_f64: fits y[i] = A exp(B i) to count samples at equal
+ * steps (i the sample index) as the least-squares line through (i, ln y[i]):
+ * with Sx, Sxx, Sy, Sxy the sums of i, i^2, ln y[i], i ln y[i] and
+ * D = count Sxx - Sx^2, A = exp((Sxx Sy - Sx Sxy) / D) and
+ * B = (count Sxy - Sy Sx) / D (per sample). i^2 is taken as a 32-bit
+ * unsigned product, so it wraps modulo 2^32 from i = 65536 on, and long
+ * series give the results of that rule. The sums are accumulated in
+ * extended precision (x87 80-bit). a and b may be NULL (that result is not
+ * written). Returns 0, or ZOLVEX_M_STATUS_FAILED when a sample is <= 0, with
+ * neither output written. A NaN sample is not refused and gives NaN results.
+ * count 0 or 1: D = 0, both results NaN, status 0. One pass with constant
+ * memory: no storage grows with count. Thread-safe; data is only read. */
+ZOLVEX_M_API int32_t zolvex_m_fit_exp_f64(const double* data, uint32_t count, double* a, double* b);
+
 #ifdef __cplusplus
 }
 #endif

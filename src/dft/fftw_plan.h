@@ -72,8 +72,6 @@ public:
         return 0;
     }
 
-    bool planned() const noexcept { return plan_ != nullptr; }
-
 private:
     template <class Signature>
     static Signature function(lib::FftwFn f) noexcept {
@@ -101,8 +99,6 @@ public:
                            kForward ? this->input_length : this->output_length, static_cast<const T*>(in),
                            static_cast<T*>(out));
     }
-    bool planned() const noexcept { return handle_.planned(); }
-
 private:
     FftwHandle<T> handle_;
 };

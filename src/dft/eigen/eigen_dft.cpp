@@ -9,17 +9,20 @@ namespace lib::eigen {
 
 namespace {
 
-// The cost model, in passes of Eigen's radix-2 butterfly over one element
-// (measured on x86-64, see the notes in the README). Eigen's FFT of a real
-// length n runs a complex FFT of n/2 points when 4 divides n, else of n.
-// Its factors 2, 3, 4 and 5 have their own butterflies, costing about
-// log2(p) passes; every larger prime factor p goes through its generic
-// butterfly, about 2p passes. Chirp-z runs two complex FFTs of the
-// power-of-two length M plus the chirp and filter products, about
-// 2 log2(M) + 4 passes over M points. Measured: prime lengths are faster on
-// chirp-z from about 17 to 23 on (the model switches at 17); at 1024 p the
-// model keeps Eigen's FFT up to p = 97, where chirp-z, working on 2^18
-// points, was 1.5 times slower.
+// The cost model, in passes of Eigen's radix-2 butterfly over one element.
+// Eigen's FFT of a real length n runs a complex FFT of n/2 points when 4
+// divides n, else of n. Its factors 2, 3, 4 and 5 have their own
+// butterflies, costing about log2(p) passes; every larger prime factor p
+// goes through its generic butterfly, about 2p passes (measured: 7 ns per
+// sample and unit of p, against 3.5 to 7 ns per radix-2 pass). Chirp-z runs
+// two complex FFTs of the power-of-two length M plus the chirp and filter
+// products: about 2 log2(M) + 4 passes over M points.
+//
+// Measured on x86-64 (f64, times of the two engines at the same length):
+// chirp-z is faster for prime lengths from 17 to 23 on (2.7 times at 37, 7
+// at 131, 77 at 2039) and slower at 1024 p up to p = 97 (1.4 times at 97,
+// 5 at 7). The model takes chirp-z for prime lengths from 17 on (and 11),
+// and for 1024 p from p = 71 to 101 on, depending on where M jumps.
 double direct_cost(uint32_t n) noexcept {
     uint32_t points = n % 4 == 0 ? n / 2 : n, rest = points;
     double passes = 0;

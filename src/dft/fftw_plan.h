@@ -99,6 +99,7 @@ public:
                            kForward ? this->input_length : this->output_length, static_cast<const T*>(in),
                            static_cast<T*>(out));
     }
+
 private:
     FftwHandle<T> handle_;
 };

@@ -48,9 +48,9 @@ RealTransform<T>::RealTransform(uint32_t n, bool inverse, Engine engine) : n_(n)
     if (n > kMaxLength) throw StatusError(ZOLVEX_M_STATUS_ERROR_DATA_LENGTH);
     fft_.SetFlag(Eigen::FFT<T>::HalfSpectrum);
     if (inverse) fft_.SetFlag(Eigen::FFT<T>::Unscaled);
-    uint32_t bins = n / 2 + 1;
+    const uint32_t bins = n / 2 + 1;  // the complex side, input of the inverse
     if (engine == Engine::chirp_z && n > 1)
-        chirp_z_ = inverse ? std::make_unique<ChirpZ<T>>(fft_, n, bins, n) : std::make_unique<ChirpZ<T>>(fft_, n, n, bins);
+        chirp_z_ = std::make_unique<ChirpZ<T>>(fft_, n, inverse ? bins : n, inverse ? n : bins);
 }
 
 template <class T>

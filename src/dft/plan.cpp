@@ -50,10 +50,13 @@ std::unique_ptr<AbstractIDFTC2R1D<T>> make_inverse(const T* in, T* out, uint32_t
 
 bool lengths_agree(uint32_t n, uint32_t bins) noexcept { return bins == n / 2 + 1; }
 
-template <class Plan>
-int32_t create(void** plan, Plan&& make) noexcept {
+// Makes a plan whose real length is n and complex length `bins`; a null
+// `plan` is refused, and *plan is null unless a plan was made.
+template <class Make>
+int32_t create(uint32_t n, uint32_t bins, void** plan, Make&& make) noexcept {
     if (plan == nullptr) return ZOLVEX_M_STATUS_NULLPTR;
     *plan = nullptr;
+    if (!lengths_agree(n, bins)) return ZOLVEX_M_STATUS_ERROR_DATA_LENGTH;
     return core::guarded([&] {
         AbstractDFT* made = make().release();
         *plan = made;
@@ -83,24 +86,6 @@ int32_t alignment_of(void* plan, const void* p) noexcept {
     return static_cast<AbstractDFT*>(plan)->alignment_of(p);
 }
 
-template <class T>
-int32_t create_forward(const T* in, uint32_t n, T* out, uint32_t out_length, void** plan) noexcept {
-    if (plan != nullptr && !lengths_agree(n, out_length)) {
-        *plan = nullptr;
-        return ZOLVEX_M_STATUS_ERROR_DATA_LENGTH;
-    }
-    return create(plan, [&] { return make_forward(in, n, out); });
-}
-
-template <class T>
-int32_t create_inverse(const T* in, uint32_t in_length, T* out, uint32_t n, void** plan) noexcept {
-    if (plan != nullptr && !lengths_agree(n, in_length)) {
-        *plan = nullptr;
-        return ZOLVEX_M_STATUS_ERROR_DATA_LENGTH;
-    }
-    return create(plan, [&] { return make_inverse(in, out, n); });
-}
-
 // One-shot transforms: a plan made for exactly these buffers, run without
 // the plan checks, and destroyed whatever happened.
 template <class T>
@@ -127,7 +112,7 @@ int32_t inverse_once(const T* in, uint32_t in_length, T* out, uint32_t n) noexce
 #define ZOLVEX_M_EXPORT_DFT(suffix, T)                                                                         \
     int32_t zolvex_m_dft_plan_create_r2c_1d_##suffix(const T* in, uint32_t n, T* out, uint32_t out_length,     \
                                                      void** plan) {                                            \
-        return dft::create_forward(in, n, out, out_length, plan);                                              \
+        return dft::create(n, out_length, plan, [&] { return dft::make_forward(in, n, out); });               \
     }                                                                                                          \
     int32_t zolvex_m_dft_plan_execute_r2c_1d_##suffix(void* plan, const T* in, uint32_t n, T* out,             \
                                                       uint32_t out_length) {                                   \
@@ -143,7 +128,7 @@ int32_t inverse_once(const T* in, uint32_t in_length, T* out, uint32_t n) noexce
     }                                                                                                          \
     int32_t zolvex_m_idft_plan_create_c2r_1d_##suffix(const T* in, uint32_t in_length, T* out, uint32_t n,     \
                                                       void** plan) {                                           \
-        return dft::create_inverse(in, in_length, out, n, plan);                                               \
+        return dft::create(n, in_length, plan, [&] { return dft::make_inverse(in, out, n); });               \
     }                                                                                                          \
     int32_t zolvex_m_idft_plan_execute_c2r_1d_##suffix(void* plan, const T* in, uint32_t in_length, T* out,    \
                                                        uint32_t n) {                                           \

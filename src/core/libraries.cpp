@@ -152,15 +152,29 @@ void* base_function(BaseFn f) noexcept { return g_ipp_base.functions[size_t(f)];
 
 } // namespace ipp
 
+// FFTW keeps its planner's memory (twiddle tables, wisdom) for as long as
+// it is loaded, and frees it only in fftw_cleanup, which would also end the
+// plans of anyone else in the process who uses FFTW. So a loaded FFTW stays
+// mapped after its last unload: unmapped, that memory would be lost at
+// every init/fini cycle.
+namespace {
+template <size_t N>
+bool load_and_keep(LoadedLibrary<N>& library, const char* file_name, const char* const (&names)[N]) noexcept {
+    if (!library.load(file_name, names)) return false;
+    os::keep_loaded(file_name);
+    return true;
+}
+} // namespace
+
 namespace fftw3 {
-bool load() noexcept { return g_fftw3.load(kFftw3File, kFftw3Names); }
+bool load() noexcept { return load_and_keep(g_fftw3, kFftw3File, kFftw3Names); }
 void unload() noexcept { g_fftw3.unload(); }
 bool loaded() noexcept { return g_fftw3.loaded(); }
 void* function(FftwFn f) noexcept { return g_fftw3.functions[size_t(f)]; }
 } // namespace fftw3
 
 namespace fftw3f {
-bool load() noexcept { return g_fftw3f.load(kFftw3fFile, kFftw3fNames); }
+bool load() noexcept { return load_and_keep(g_fftw3f, kFftw3fFile, kFftw3fNames); }
 void unload() noexcept { g_fftw3f.unload(); }
 bool loaded() noexcept { return g_fftw3f.loaded(); }
 void* function(FftwFn f) noexcept { return g_fftw3f.functions[size_t(f)]; }

@@ -20,6 +20,11 @@ void* find_symbol(LibraryHandle library, const char* name) noexcept {
 
 void free_library(LibraryHandle library) noexcept { FreeLibrary(static_cast<HMODULE>(library)); }
 
+void keep_loaded(const char* file_name) noexcept {
+    HMODULE module = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_PIN, file_name, &module);
+}
+
 std::string library_directory(LibraryHandle library) {
     char path[MAX_PATH];
     DWORD length = GetModuleFileNameA(static_cast<HMODULE>(library), path, MAX_PATH);
@@ -39,6 +44,11 @@ LibraryHandle load_library(const char* file_name) noexcept { return dlopen(file_
 void* find_symbol(LibraryHandle library, const char* name) noexcept { return dlsym(library, name); }
 
 void free_library(LibraryHandle library) noexcept { dlclose(library); }
+
+// RTLD_NOLOAD with RTLD_NODELETE marks the library already loaded.
+void keep_loaded(const char* file_name) noexcept {
+    if (void* again = dlopen(file_name, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD | RTLD_NODELETE)) dlclose(again);
+}
 
 std::string library_directory(LibraryHandle library) {
     char origin[PATH_MAX] = {};

@@ -13,6 +13,9 @@ LibraryHandle load_library(const char* file_name) noexcept;
 // Address of an exported name, or nullptr.
 void* find_symbol(LibraryHandle library, const char* name) noexcept;
 void free_library(LibraryHandle library) noexcept;
+// Keeps a loaded library mapped until the process ends, whatever
+// free_library calls follow (the handles stay valid to free).
+void keep_loaded(const char* file_name) noexcept;
 // Directory the loaded library was found in (empty if unknown).
 std::string library_directory(LibraryHandle library);
 

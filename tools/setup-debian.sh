@@ -8,7 +8,7 @@ packages=(
   build-essential cmake pkg-config binutils
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   libeigen3-dev libfftw3-dev libfftw3-double3 libfftw3-single3
-  python3 python3-venv
+  python3 python3-venv python3-numpy python3-scipy
 )
 
 missing=()

@@ -888,12 +888,17 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f64(const double* data, uin
  * as the roots of the TF).
  *
  * High orders: the ZPK and the sections are accurate at every order; the
- * TF is the ZPK multiplied out, and from about order 20 (band filters:
- * order 10) its coefficients lose precision quickly, until at high orders
- * they describe another filter or none (a response of NaN or infinity).
- * The calls still complete. Use the sections (zolvex_m_filter_iir_get_sos,
+ * TF is the ZPK multiplied out, and its coefficients lose precision as the
+ * order grows, the faster the closer the poles lie together (narrow bands,
+ * cut-offs far from fs / 4): at order 8 with a cut-off at 3 % of fs the
+ * response from the TF is good to about 1e-7, and at high orders the TF
+ * describes another filter or none (a response of NaN or infinity). The
+ * calls still complete. Use the sections (zolvex_m_filter_iir_get_sos,
  * zolvex_m_filter_execute_*) and the ZPK response
- * (zolvex_m_filter_iir_freqz_zpk) for such filters, not the TF.
+ * (zolvex_m_filter_iir_freqz_zpk) for such filters, not the TF. The gain
+ * of a very narrow band filter of very high order can lie below the range
+ * of doubles (order 255, band 1 % of fs wide: about 1e-386); it is then 0
+ * and the filter passes nothing.
  *
  * Every filter function catches what fails inside it and returns
  * ZOLVEX_M_STATUS_FAILED (-1) (execution: see there); a null state gives
@@ -928,12 +933,12 @@ typedef struct zolvex_m_filter_state zolvex_m_filter_state;
  *  - 2 f1 / fs not strictly between 0 and 1; for band types the same for
  *    f2. f2 below f1 is accepted (a negative bandwidth);
  *  - type other than 0 to 3.
- * Edge values the checks let through design without failing: rp = 0, an
- * infinite rp or rs, or rs = 0 give zeros or poles that are infinite or
- * NaN (such a state has no sections and cannot filter: -1). Gains are
- * computed without overflow in the intermediate products, so a gain is
- * infinite or 0 only if the filter's own is out of range. Returns 0 and
- * the new state in *state. */
+ * Edge values the checks let through design without failing: rp = 0, a
+ * NaN rp or rs and similar give zeros or poles that are infinite or NaN
+ * (such a state has no sections and cannot filter: -1). Gains are formed
+ * without overflow or underflow in the products over the roots (scipy's
+ * own overflow at order 255), so a gain is infinite or 0 only if the
+ * filter's own is out of range. Returns 0 and the new state in *state. */
 ZOLVEX_M_API int32_t zolvex_m_filter_iir_butterworth(uint32_t type, uint8_t order, double fs, double f1,
                                                      double f2, zolvex_m_filter_state** state);
 ZOLVEX_M_API int32_t zolvex_m_filter_iir_chebyshev1(uint32_t type, uint8_t order, double fs, double f1,

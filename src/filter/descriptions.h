@@ -11,7 +11,6 @@
 #include <memory>
 #include <vector>
 
-#include "core/status_error.h"
 #include "zolvex_m.h"
 
 namespace Filter {
@@ -71,15 +70,13 @@ std::shared_ptr<const FilterState::IIR::ZPK> zpk_of(zolvex_m_filter_state& state
 std::shared_ptr<const FilterState::IIR::TF> tf_of(zolvex_m_filter_state& state);
 std::shared_ptr<const FilterState::IIR::SOS> sos_of(zolvex_m_filter_state& state);
 
-// The filter functions' boundary: a library error keeps its status (the
-// runtime filter's construction reports those), every other exception is
-// ZOLVEX_M_STATUS_FAILED.
+// The filter functions' boundary: whatever fails inside, an allocation
+// included, is ZOLVEX_M_STATUS_FAILED. (The runtime filter's construction
+// reports its own statuses without throwing, see execute.cpp.)
 template <class Work>
 int32_t guarded(Work&& work) noexcept {
     try {
         return work();
-    } catch (const StatusError& error) {
-        return error.status;
     } catch (...) {
         return ZOLVEX_M_STATUS_FAILED;
     }

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "core/options.h"
+#include "core/status_error.h"
 #include "filter/def/fitler_iir_sos.h"
 #include "filter/descriptions.h"
 #include "filter/filter.h"

@@ -19,16 +19,18 @@ namespace filter_test {
 using Complex = std::complex<double>;
 using Roots = std::vector<Complex>;
 
+// Interleaved real, imaginary pairs as complex values.
+inline Roots as_complex(const double* v, size_t n) {
+    Roots r;
+    for (size_t i = 0; i < n; ++i) r.emplace_back(v[2 * i], v[2 * i + 1]);
+    return r;
+}
+
 struct Case {
     std::vector<std::string> head;  // kind, then its parameters
     std::map<std::string, std::vector<double>> values;
     double number(size_t i) const { return std::stod(head.at(i)); }
-    Roots roots(const std::string& name) const {
-        const std::vector<double>& v = values.at(name);
-        Roots r;
-        for (size_t i = 0; i + 1 < v.size(); i += 2) r.emplace_back(v[i], v[i + 1]);
-        return r;
-    }
+    Roots roots(const std::string& name) const { return as_complex(values.at(name).data(), values.at(name).size() / 2); }
 };
 
 inline const std::vector<Case>& reference() {
@@ -54,40 +56,23 @@ inline const std::vector<Case>& reference() {
 // Owns a designed state.
 struct Designed {
     zolvex_m_filter_state* state = nullptr;
-    int32_t status = -9;
-    Designed() = default;
-    Designed(const Designed&) = delete;
     ~Designed() { zolvex_m_filter_state_destroy(state); }
 };
 
 // family 0 Butterworth, 1 Chebyshev I (parameter rp), 2 Chebyshev II (rs).
-inline void design(int family, uint32_t type, unsigned order, double fs, double f1, double f2, double parameter,
-                   Designed& d) {
+inline int32_t design(int family, uint32_t type, unsigned order, double fs, double f1, double f2, double parameter,
+                      zolvex_m_filter_state** state) {
     switch (family) {
-    case 0: d.status = zolvex_m_filter_iir_butterworth(type, order, fs, f1, f2, &d.state); break;
-    case 1: d.status = zolvex_m_filter_iir_chebyshev1(type, order, fs, f1, f2, parameter, &d.state); break;
-    default: d.status = zolvex_m_filter_iir_chebyshev2(type, order, fs, f1, f2, parameter, &d.state); break;
+    case 0: return zolvex_m_filter_iir_butterworth(type, uint8_t(order), fs, f1, f2, state);
+    case 1: return zolvex_m_filter_iir_chebyshev1(type, uint8_t(order), fs, f1, f2, parameter, state);
+    default: return zolvex_m_filter_iir_chebyshev2(type, uint8_t(order), fs, f1, f2, parameter, state);
     }
 }
 
 // A "design family type order fs f1 f2 parameter" case.
-inline void design(const Case& c, Designed& d) {
-    design(int(c.number(1)), uint32_t(c.number(2)), unsigned(c.number(3)), c.number(4), c.number(5), c.number(6),
-           c.number(7), d);
-}
-
-struct Zpk {
-    Roots zeros, poles;
-    double gain = 0;
-};
-
-inline int32_t get_zpk(zolvex_m_filter_state* state, Zpk& zpk) {
-    const double *z = nullptr, *p = nullptr;
-    uint32_t nz = 0, np = 0;
-    int32_t status = zolvex_m_filter_iir_get_zpk(state, &z, &nz, &p, &np, &zpk.gain);
-    for (uint32_t i = 0; i < nz; ++i) zpk.zeros.emplace_back(z[2 * i], z[2 * i + 1]);
-    for (uint32_t i = 0; i < np; ++i) zpk.poles.emplace_back(p[2 * i], p[2 * i + 1]);
-    return status;
+inline int32_t design(const Case& c, zolvex_m_filter_state** state) {
+    return design(int(c.number(1)), uint32_t(c.number(2)), unsigned(c.number(3)), c.number(4), c.number(5),
+                  c.number(6), c.number(7), state);
 }
 
 inline std::vector<std::vector<double>> get_sos(zolvex_m_filter_state* state) {
@@ -99,17 +84,10 @@ inline std::vector<std::vector<double>> get_sos(zolvex_m_filter_state* state) {
     return sections;
 }
 
-// The signal the reference filtered: exact in binary on both sides.
-inline std::vector<double> test_signal(size_t n) {
-    std::vector<double> x(n);
-    for (size_t k = 0; k < n; ++k) x[k] = double((k * 7919) % 1000) / 500.0 - 1.0;
-    return x;
-}
-
-inline double largest_magnitude(const std::vector<double>& v) {
-    double m = 0;
-    for (double x : v) m = std::max(m, std::abs(x));
-    return m;
+template <class T>
+int32_t execute(const T* in, T* out, uint32_t n, zolvex_m_filter_state* s) {
+    if constexpr (sizeof(T) == 4) return zolvex_m_filter_execute_f32(in, out, n, s);
+    else return zolvex_m_filter_execute_f64(in, out, n, s);
 }
 
 } // namespace filter_test

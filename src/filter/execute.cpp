@@ -1,6 +1,7 @@
 // Filter execution: the runtime filter each state builds from its sections
 // on the first block, its steady-state start, and the exported functions.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <memory>

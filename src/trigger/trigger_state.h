@@ -116,8 +116,12 @@ int32_t run_trigger(const typename Machine::Sample* x, uint32_t length, uint32_t
     return ZOLVEX_M_STATUS_SUCCESS;
 }
 
-// Shifts a block-relative start index to the next block.
-inline void shift_to_next_block(int64_t& start, uint32_t length) { start -= length; }
+// Shifts a block-relative start index to the next block. The subtraction
+// wraps (in unsigned arithmetic: a caller's block may hold any start, and
+// only its low 32 bits matter to a duration).
+inline void shift_to_next_block(int64_t& start, uint32_t length) {
+    start = static_cast<int64_t>(static_cast<uint64_t>(start) - length);
+}
 
 // Whether a measured duration d (in samples) satisfies the mode of a
 // pulse-width, interval or runt search. All comparisons are unsigned 32-bit;

@@ -48,7 +48,7 @@ void expect_kernels_and_pieces_agree() {
             uint32_t cut = s.seed % (s.length + 1), second = cut + s.seed / 7 % (s.length - cut + 1);
             for (auto [begin, end] : {std::pair{0u, cut}, {cut, second}, {second, s.length}})
                 EXPECT_EQ(execute(x.data() + begin, x.data() + begin, end - begin, pieces.state), 0);
-            EXPECT_EQ(0, std::memcmp(x.data(), values.data(), s.length * sizeof(T))) << "in pieces";
+            EXPECT_TRUE(s.length == 0 || !std::memcmp(x.data(), values.data(), s.length * sizeof(T))) << "in pieces";
             for (T& v : values) v = v == v ? v : T(NAN);  // a NaN's sign and payload are the kernel's
             return values;
         });

@@ -3,8 +3,6 @@
 // time by scipy_reference.py), designing a state from a reference case,
 // and reading a state's forms.
 
-#include <gtest/gtest.h>
-
 #include <complex>
 #include <fstream>
 #include <map>

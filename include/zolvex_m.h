@@ -869,6 +869,214 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f64(const double* data, uin
     uint32_t time_max, uint32_t* position, void** state);
 
 /* ------------------------------------------------------------------------ */
+/* Signal generation: noise                                                 */
+/* ------------------------------------------------------------------------ */
+/* Uniform pseudo-random noise, reproducible from a seed. Each call builds its
+ * own generator: MT19937 with std::mt19937's parameters, seeded with *seed,
+ * or, when seed is NULL, with one value of the platform's non-deterministic
+ * source (std::random_device), so that two such calls differ. No state
+ * survives a call; calls may run on any threads at once.
+ *
+ * Real variates use two engine outputs d1, d2 per sample:
+ * u = (d1 + d2 * 2^32) * 2^-64, rounded to double, u >= 1 replaced by the
+ * largest double below 1, so u lies in [0, 1) (std::uniform_real_distribution
+ * <double> over std::generate_canonical on a 32-bit engine; the f32 forms use
+ * this double variate too). Integer variates follow
+ * std::uniform_int_distribution for a 32-bit engine: with range
+ * r = max - min + 1 (bounds widened to 32 bits: u8 and u16 zero-extended, i16
+ * sign-extended; r taken modulo 2^32), a draw d gives p = d * r (64 bits); if
+ * the low 32 bits of p are below (2^32 - r) mod r the draw is rejected and
+ * another taken; the sample is min + (p >> 32), stored modulo the type's
+ * width. r = 0 (max = min - 1 modulo 2^32) uses the draw as it is. Reversed
+ * bounds (min > max) therefore wrap as this unsigned arithmetic does.
+ *
+ * Samples are the same bit for bit on every kernel level (generic, AVX2,
+ * AVX-512F; the twist, the tempering and the variates run in vectors) and
+ * equal those of std::mt19937 with libstdc++'s distributions. Example: seed
+ * 5489, f64, min 0, max 1: the first sample is 0.1354770042967805.
+ * All return 0 (also for count 0, which touches nothing), or -1 when the
+ * random device fails (seed NULL only). */
+
+/* out[i] = min + u * (max - min) in double (f32: rounded to float once), in
+ * [min, max) (max itself only through that rounding); min > max mirrors the
+ * interval. Integers: uniform in [min, max], both included. */
+ZOLVEX_M_API int32_t zolvex_m_waveform_noise_u8(uint8_t* out, uint32_t count, uint8_t min, uint8_t max,
+    const uint32_t* seed);
+ZOLVEX_M_API int32_t zolvex_m_waveform_noise_i16(int16_t* out, uint32_t count, int16_t min, int16_t max,
+    const uint32_t* seed);
+ZOLVEX_M_API int32_t zolvex_m_waveform_noise_u16(uint16_t* out, uint32_t count, uint16_t min, uint16_t max,
+    const uint32_t* seed);
+ZOLVEX_M_API int32_t zolvex_m_waveform_noise_f32(float* out, uint32_t count, float min, float max,
+    const uint32_t* seed);
+ZOLVEX_M_API int32_t zolvex_m_waveform_noise_f64(double* out, uint32_t count, double min, double max,
+    const uint32_t* seed);
+
+/* data[i] = clip(data[i] + n), n = u * (a - (-a)) + (-a) uniform in [-a, a)
+ * (a = amplitude), computed in double for every type: values below low give
+ * low, otherwise values above high give high (so low > high gives low or
+ * high only); a NaN sample stays NaN. f32 rounds the clipped double once;
+ * the integer types round it half away from zero (llround). The bounds are
+ * the caller's, not the type's: pass the type's full range to only keep
+ * values representable. */
+ZOLVEX_M_API int32_t zolvex_m_add_noise_u8(uint8_t* data, uint32_t count, uint8_t amplitude, uint8_t low,
+    uint8_t high, const uint32_t* seed);
+ZOLVEX_M_API int32_t zolvex_m_add_noise_i16(int16_t* data, uint32_t count, int16_t amplitude, int16_t low,
+    int16_t high, const uint32_t* seed);
+ZOLVEX_M_API int32_t zolvex_m_add_noise_u16(uint16_t* data, uint32_t count, uint16_t amplitude, uint16_t low,
+    uint16_t high, const uint32_t* seed);
+ZOLVEX_M_API int32_t zolvex_m_add_noise_f32(float* data, uint32_t count, float amplitude, float low,
+    float high, const uint32_t* seed);
+ZOLVEX_M_API int32_t zolvex_m_add_noise_f64(double* data, uint32_t count, double amplitude, double low,
+    double high, const uint32_t* seed);
+
+/* ------------------------------------------------------------------------ */
+/* Signal generation: window functions                                      */
+/* ------------------------------------------------------------------------ */
+/* out[i] = in[i] * w(i) * factor, factor = the window's amplitude correction
+ * (1 / its mean) when `scale` is non-zero, else 1. Symmetric windows over
+ * D = n - 1: w(0) = w(n - 1), and in general w(i) = w(D - i) bit for bit.
+ * out may equal in. n = 0 returns 0 and touches nothing; n = 1 writes NaN
+ * (the window of one sample is 0 / 0). Returns 0, or -1 on the accelerator
+ * path (below).
+ *
+ * Cosine sums w(i) = a0 - a1 cos(2 pi i/D) + a2 cos(4 pi i/D) - a3 cos(6 pi
+ * i/D) + a4 cos(8 pi i/D), coefficients as double constants:
+ *   hanning          0.5, 0.5                                factor 2
+ *   hamming          0.54, 0.46                              1 / 0.54
+ *   blackman         0.42, 0.5, 0.08                         1 / 0.42
+ *   nuttall          0.355768, 0.487396, 0.144232, 0.012604  1 / 0.355768
+ *   blackmanharris   0.35875, 0.48829, 0.14128, 0.01168      1 / 0.35875
+ *   blackmannuttall  0.3635819, 0.4891775, 0.1365995, 0.0106411  1 / 0.3635819
+ *   flattop          0.21557895, 0.41663158, 0.277263158, 0.083578947,
+ *                    0.006947368                             4.638671818375588
+ * The f32 forms use the single-precision factors 2.0, 1.85185182,
+ * 2.38095236, 2.81082058, 2.78745651, 2.75041199 and 4.638671818375588f.
+ * They are evaluated as a polynomial in s = sin^2(pi j / D),
+ * j = min(i, D - i), with the factor folded in (the same function: cos(2 pi
+ * k i / D) = T_k(1 - 2s)), so the values near the ends keep their relative
+ * accuracy; s comes from a table of 64 angles and the angle-addition rule,
+ * whose terms never cancel. Accuracy against in[i] * w(i) * factor
+ * evaluated exactly with these constants: f32 results are correctly rounded
+ * but for cases within 2^-24 ulp of a tie; f64 results are within 5 ulp
+ * (here: relative error 5 * 2^-52, likewise below) for
+ * hanning and hamming, 9 ulp for blackman and 13 ulp for nuttall,
+ * blackmanharris and blackmannuttall (s is within about 3 ulp, and the
+ * window's slope magnifies that error; most values are within 2 ulp), and
+ * within 2^-48 * factor * |in[i]| in absolute terms for flattop, whose
+ * values change sign. Every kernel level (generic SSE2,
+ * AVX2, AVX-512F) gives the same bits.
+ *
+ * Other windows, with h = D / 2 and y = 1 - |i - h| / h = min(i, D - i) / h:
+ *   bartlett  triangle 1 - |i - h| / h = y (one rounding); factor 2
+ *   gaussian  exp(-0.5 ((i - h) / (sigma h))^2), sigma = 0.4 (alpha = 2.5);
+ *             factor 1 / (sigma sqrt(pi) sqrt(0.5) erf(sqrt(0.5) / sigma)),
+ *             about 2.0198, the reciprocal of its continuous mean
+ *   parzen    1 - 6 x^2 + 6 x^3 for x = |i - h| / h <= 1/2, else 2 (1 - x)^3
+ *             (zero at both ends); factor 8/3
+ *   welch     1 - ((i - h) / h)^2, evaluated as written in double, with the
+ *             factor 1.5: ((1 - r^2) * factor) * in[i]; always on the calling
+ *             thread
+ * Gaussian and Parzen evaluate w * factor in long double and round it once,
+ * Bartlett in double: then out = in[i] * that, so f64 results are within
+ * relative 2^-52, f32 results correctly rounded but for rare near-ties.
+ *
+ * Threads: blocks of 4096 samples and more (gaussian) or 65536 (bartlett,
+ * parzen, and the cosine sums on machines with more than two processors:
+ * they compute one weight per mirror pair, a saving two halves of a block
+ * cannot share) are cut into one piece of consecutive samples per
+ * processor the standard library reports, run on the thread pool and
+ * joined before the call returns; welch always runs on the calling thread.
+ * The values never depend on the split. Calls may run on any threads at
+ * once.
+ *
+ * Accelerator: with ZOLVEX_M_OPT_IPP on, hanning, hamming, blackman and
+ * bartlett hand the block to IPP (ippsWinHann, ippsWinHamming,
+ * ippsWinBlackmanStd, ippsWinBartlett; the in-place form when out == in)
+ * and, with `scale`, multiply by the same factor (ippsMulC, in place). IPP
+ * rejects n below 3 and above INT32_MAX: those calls then return -1. Its
+ * values differ from the built-in ones by up to about max(2^-40, n^2 2^-61)
+ * (f64) or max(2^-21, n^2 2^-59) (f32) times |in[i]| * factor: its error
+ * grows with the square of n (about 2^-22 for f64 at n = 2^20). */
+ZOLVEX_M_API int32_t zolvex_m_window_hanning_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_hanning_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_hamming_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_hamming_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_blackman_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_blackman_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_nuttall_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_nuttall_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_blackmanharris_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_blackmanharris_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_blackmannuttall_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_blackmannuttall_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_flattop_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_flattop_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_welch_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_welch_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_bartlett_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_bartlett_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_gaussian_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_gaussian_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_parzen_f32(const float* in, float* out, uint32_t n, uint8_t scale);
+ZOLVEX_M_API int32_t zolvex_m_window_parzen_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+
+/* ------------------------------------------------------------------------ */
+/* Signal generation: periodic waveforms                                    */
+/* ------------------------------------------------------------------------ */
+/* out[i] = offset + amplitude * shape(t), t = frac(phase + frequency * k)
+ * for the absolute sample index k = start + i (modulo 2^64): frequency in
+ * cycles per sample, phase in cycles (0.25 = a quarter period), both any
+ * finite value (a negative frequency runs backwards; only their fractional
+ * parts matter). t is computed in exact 128-bit fixed point (frequency and
+ * phase to 2^-128 of a cycle), so a block generated with start = s and the
+ * next one with start = s + count join into one unbroken waveform, and the
+ * phase of sample 2^32 or 2^60 is as exact as that of sample 1.
+ *   cosine    shape = cos(2 pi t): +1 at t = 0; f64 values within
+ *             4 * 2^-53 * |amplitude| of the exact value, plus the rounding
+ *             of offset + amplitude * shape
+ *   square    shape = +1 for t in [0, duty), -1 for t in [duty, 1): duty 0
+ *             gives all low, duty 1 all high
+ *   triangle  shape = |4t - 2| - 1 (exact): +1 at t = 0, -1 at t = 1/2,
+ *             straight lines between
+ * The value is computed in double; f32 rounds it once; the integer types
+ * clip it to the type's range and round half away from zero (llround).
+ * Returns 0 (count 0: at once, nothing checked or written), or -1 with
+ * nothing written when amplitude, offset, frequency or phase is not finite
+ * or duty is not within [0, 1] (NaN included). Blocks of 4096 samples and
+ * more (cosine) or 65536 (square, triangle) are split over the thread pool
+ * as for the windows. */
+ZOLVEX_M_API int32_t zolvex_m_waveform_cosine_u8(uint8_t* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_square_u8(uint8_t* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, double duty, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_triangle_u8(uint8_t* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_cosine_i16(int16_t* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_square_i16(int16_t* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, double duty, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_triangle_i16(int16_t* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_cosine_u16(uint16_t* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_square_u16(uint16_t* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, double duty, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_triangle_u16(uint16_t* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_cosine_f32(float* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_square_f32(float* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, double duty, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_triangle_f32(float* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_cosine_f64(double* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_square_f64(double* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, double duty, uint64_t start);
+ZOLVEX_M_API int32_t zolvex_m_waveform_triangle_f64(double* out, uint32_t count, double amplitude,
+    double offset, double frequency, double phase, uint64_t start);
+
+/* ------------------------------------------------------------------------ */
 /* IIR filters                                                              */
 /* ------------------------------------------------------------------------ */
 /* Design (Butterworth, Chebyshev I and II, notch, peak), description,

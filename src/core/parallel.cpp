@@ -54,9 +54,13 @@ void run_pieces(uint32_t n, uint32_t pieces, PieceWork work, void* context) noex
     for (zolvex_tp_task* handle : handles) zolvex_tp_task_delete(handle);
 }
 
+// Asked once: the query is a system call, too slow for every short block.
 uint32_t hardware_threads() noexcept {
-    unsigned count = std::thread::hardware_concurrency();
-    return count == 0 ? 1u : count;
+    static const uint32_t count = [] {
+        unsigned reported = std::thread::hardware_concurrency();
+        return reported == 0 ? 1u : reported;
+    }();
+    return count;
 }
 
 } // namespace core

@@ -35,7 +35,7 @@ void run_pieces(uint32_t n, uint32_t pieces, const Work& work) noexcept {
         const_cast<Work*>(&work));
 }
 
-// The processor count the standard library reports, at least 1.
+// The processor count the standard library reports (asked once), at least 1.
 uint32_t hardware_threads() noexcept;
 
 } // namespace core

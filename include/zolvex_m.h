@@ -17,6 +17,35 @@
  *    the generic (scalar) kernel bit for bit, except where a comment says a
  *    kernel rounds differently.
  *
+ * Threads:
+ *  - zolvex_m_init and zolvex_m_fini may be called from any threads, also
+ *    at once: a lock serialises them, and only the outermost pair starts
+ *    and stops anything. Do not call zolvex_m_fini while other threads are
+ *    still inside the library (it unloads the optional libraries and stops
+ *    the thread pool).
+ *  - The plain vector functions (arithmetic, conversions, statistics,
+ *    generation, elementary functions, de-interleaving) keep no state
+ *    between calls: any number of threads may call them at once, on
+ *    different output arrays. Functions with a state block, a plan or a
+ *    filter state say in their section what may be shared.
+ *  - zolvex_m_setopt takes no lock: change options while no other thread is
+ *    inside the library.
+ *
+ * Before zolvex_m_init: every function that needs neither an optional
+ * library nor the thread pool works, with the generic kernels (all option
+ * flags start off); work that would go to the thread pool runs on the
+ * calling thread. zolvex_m_init switches on the kernels the processor
+ * allows and loads the accelerator, so call it first in a program that
+ * wants speed.
+ *
+ * Alignment: no function requires aligned arrays; every kernel reads and
+ * writes any address of its element type. Alignment buys speed only: with
+ * arrays on 64-byte boundaries (aligned_alloc(64, ...)) no vector access
+ * straddles two cache lines, which matters most for the AVX-512 kernels on
+ * long blocks. The transforms' FFTW plans are the exception that needs
+ * care: an FFTW plan runs only on buffers of the alignment class it was
+ * planned with (zolvex_m_dft_alignment_of).
+ *
  * Valid C99 and C++.
  */
 #ifndef ZOLVEX_M_H
@@ -43,12 +72,12 @@ extern "C" {
 /* Status codes                                                             */
 /* ------------------------------------------------------------------------ */
 
-#define ZOLVEX_M_STATUS_SUCCESS            0
-#define ZOLVEX_M_STATUS_FAILED            (-1)
-#define ZOLVEX_M_STATUS_ERROR_DATA_LENGTH (-2)
-#define ZOLVEX_M_STATUS_OUT_OF_MEMORY     (-3)
-#define ZOLVEX_M_STATUS_INVALID_PLAN      (-4)
-#define ZOLVEX_M_STATUS_NULLPTR           (-5)
+#define ZOLVEX_M_STATUS_SUCCESS            0  /* The call did its work. */
+#define ZOLVEX_M_STATUS_FAILED            (-1) /* An argument or state was refused, or a backend failed. */
+#define ZOLVEX_M_STATUS_ERROR_DATA_LENGTH (-2) /* A length the function cannot take. */
+#define ZOLVEX_M_STATUS_OUT_OF_MEMORY     (-3) /* Memory could not be had. */
+#define ZOLVEX_M_STATUS_INVALID_PLAN      (-4) /* A plan that does not fit the call. */
+#define ZOLVEX_M_STATUS_NULLPTR           (-5) /* A pointer the function tests was NULL. */
 
 /* The constant text of a status code ("Success", "Failed", "Error data
  * length", "Out of memory", "Invalid plan", "nullptr"), or NULL for any value
@@ -69,16 +98,22 @@ ZOLVEX_M_API void zolvex_m_state_free(void** state);
 /* The version as zolvex_m_get_version hands it out: four 16-bit numbers in
  * this memory order. Read it field by field. */
 typedef struct ZolvexMVersion {
-    uint16_t major;
-    uint16_t minor;
-    uint16_t release;
-    uint16_t build;
+    uint16_t major;   /* ZOLVEX_M_VERSION_MAJOR */
+    uint16_t minor;   /* ZOLVEX_M_VERSION_MINOR */
+    uint16_t release; /* ZOLVEX_M_VERSION_RELEASE */
+    uint16_t build;   /* ZOLVEX_M_VERSION_BUILD */
 } ZolvexMVersion;
 
 /* Address of the constant version record (the ZOLVEX_M_VERSION_* numbers):
  * a ZolvexMVersion.
  * Needs no initialisation; always the same address. */
 ZOLVEX_M_API const void* zolvex_m_get_version(void);
+
+/* The version record with its type: zolvex_m_get_version's address as a
+ * ZolvexMVersion. Defined here, not exported. */
+static inline const ZolvexMVersion* zolvex_m_version_record(void) {
+    return (const ZolvexMVersion*)zolvex_m_get_version();
+}
 
 /* ------------------------------------------------------------------------ */
 /* Initialisation and options                                               */
@@ -106,9 +141,13 @@ ZOLVEX_M_API const void* zolvex_m_get_version(void);
 /* One row of the option list; the row with id 0 (and a NULL description)
  * ends it. */
 typedef struct OptionEntry {
-    int32_t id;
-    const char* description;
+    int32_t id;              /* The option id (ZOLVEX_M_OPT_*), 0 in the end row. */
+    const char* description; /* Constant text naming the option, NULL in the end row. */
 } OptionEntry;
+
+/* The option-list row under this library's prefix, for programs that have
+ * a type of their own called OptionEntry (the unprefixed name stays). */
+typedef OptionEntry ZolvexMOptionEntry;
 
 /* Brackets all use of the library. Calls nest by reference count: only the
  * first zolvex_m_init starts the sibling libraries, loads the optional
@@ -565,8 +604,11 @@ ZOLVEX_M_API int32_t zolvex_m_index_min_f64(const double* data, uint32_t length,
  *    once, leaving *position and the state block as they are (a new block is
  *    still allocated when *state was NULL).
  *  - Returns 0 (ZOLVEX_M_STATUS_SUCCESS); -1 (ZOLVEX_M_STATUS_FAILED),
- *    writing nothing, when the state block holds no valid state of this kind
- *    (a block from another kind, or overwritten); -3
+ *    writing nothing, when a word of the state block lies outside the range
+ *    this kind ever stores (an overwritten block). A state is checked for its
+ *    range only, not for the kind that made it: a block of another kind
+ *    whose words are in range is taken as a state of this kind (the first
+ *    word of a runt trigger's block is a valid edge state, for one). -3
  *    (ZOLVEX_M_STATUS_OUT_OF_MEMORY) when the block cannot be allocated, in
  *    which case *state stays NULL and *position is untouched.
  *  - data, position and state are not tested for null.
@@ -689,12 +731,21 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_window_exit_f64(const double* data, uint32
     uint32_t* position, void** state);
 
 /* ------------------------------------------------------------------------ */
+/* The duration modes of the pulse-width, interval and runt triggers:
+ * what a duration d must satisfy against time_min and time_max for the
+ * trigger to fire. Any other value, negative ones included: never. */
+#define ZOLVEX_M_DURATION_ANY     0 /* always */
+#define ZOLVEX_M_DURATION_SHORTER 1 /* d < time_min */
+#define ZOLVEX_M_DURATION_LONGER  2 /* d > time_min (time_min, not time_max) */
+#define ZOLVEX_M_DURATION_INSIDE  3 /* time_min <= d <= time_max */
+#define ZOLVEX_M_DURATION_OUTSIDE 4 /* d < time_min or d > time_max */
+
 /* Pulse-width and interval triggers: measure a duration in samples and fire
  * when it satisfies `mode` against time_min and time_max:
  *   0  always                     3  time_min <= d <= time_max
  *   1  d < time_min               4  d < time_min or d > time_max
  *   2  d > time_min (time_min, not time_max)
- *   any other value, negative ones included: never.
+ *   any other value, negative ones included: never (ZOLVEX_M_DURATION_*).
  * Durations and limits are unsigned 32-bit; a duration of 2^32 samples or
  * more wraps. The limits are not checked for order.
  *  - pulse_width_positive: a pulse rises from <= level_low to >= level_high
@@ -879,8 +930,9 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f64(const double* data, uin
  *
  * Real variates use two engine outputs d1, d2 per sample:
  * u = (d1 + d2 * 2^32) * 2^-64, rounded to double, u >= 1 replaced by the
- * largest double below 1, so u lies in [0, 1) (std::uniform_real_distribution
- * <double> over std::generate_canonical on a 32-bit engine; the f32 forms use
+ * largest double below 1, so u lies in [0, 1)
+ * (`std::uniform_real_distribution<double>` over std::generate_canonical on
+ * a 32-bit engine; the f32 forms use
  * this double variate too). Integer variates follow
  * std::uniform_int_distribution for a 32-bit engine: with range
  * r = max - min + 1 (bounds widened to 32 bits: u8 and u16 zero-extended, i16

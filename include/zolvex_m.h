@@ -1952,6 +1952,40 @@ ZOLVEX_M_API void zolvex_m_filter_reset_delay_line(zolvex_m_filter_state* state,
 
 /** @} */
 
+/* ------------------------------------------------------------------------ */
+/**
+ * @defgroup diagnostics Diagnostics
+ * @{
+ */
+
+/** Which kernel a call would run under the current options: entry `index`
+ * of the library's kernel report, one entry per family and sample type,
+ * read from the same kernel tables the calls choose from (as `zolvexm
+ * kernels` prints it).
+ *
+ * @param index        0 for the first entry; count up until -1 comes back.
+ * @param family       receives the functions the entry covers, as in their
+ *                     names ("minmax", "add sub mul div ...").
+ * @param type         receives the sample type suffix ("u8", "f32", ...).
+ * @param level        receives the instruction-set level a call would use
+ *                     now: "generic", "sse42", "avx", "avx2" (with FMA3),
+ *                     "avx512" (F with CD) or "avx512bw".
+ * @param accelerator  receives the accelerator that would take the call
+ *                     instead ("ipp", "fftw3", "fftw3f"), or NULL when the
+ *                     library's own kernel runs.
+ * @return 0 with all four written; -1 (ZOLVEX_M_STATUS_FAILED) when index
+ *         is past the last entry, nothing written.
+ *
+ * The texts are constant and never freed. Entries follow no particular
+ * order, but the same build always lists them in the same order. Takes no
+ * lock, needs no init (before it every level is "generic"); the answer
+ * changes with zolvex_m_setopt. For diagnostics: a program should not
+ * branch on it. */
+ZOLVEX_M_API int32_t zolvex_m_kernel_report(uint32_t index, const char** family, const char** type,
+                                            const char** level, const char** accelerator);
+
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

@@ -4,7 +4,7 @@ cmake_policy(VERSION 3.25)
 # removed, a parameter or return type changed, a public type's layout
 # changed. Added functions are compatible and pass.
 # Usage: cmake -DABIDIFF=<abidiff> -DBASELINE=<abi file> -DLIBRARY=<so> -DHEADERS=<dir> -P check_abi.cmake
-execute_process(COMMAND ${ABIDIFF} --no-added-syms --headers-dir2 ${HEADERS} --drop-private-types
+execute_process(COMMAND ${ABIDIFF} --exported-interfaces-only --no-added-syms --headers-dir2 ${HEADERS} --drop-private-types
                         ${BASELINE} ${LIBRARY}
                 RESULT_VARIABLE rc OUTPUT_VARIABLE report ERROR_VARIABLE report)
 # abidiff's status is a bit set: 1 error, 2 usage error, 4 some change,

@@ -84,10 +84,6 @@ const core::KernelReportRegistration kReports[] = {
     core::KernelReportRegistration({"sum square_sum", "f64", core::level_of<kFloatSumKernels>, core::ipp_when_on}),
 };
 
-} // namespace
-
-namespace {
-
 // The 64-bit total of the samples added to *sum modulo 2^64 (in unsigned
 // arithmetic, so that a signed result wraps as well).
 template <class T, class Total>

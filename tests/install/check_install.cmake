@@ -7,8 +7,11 @@ set(prefix ${WORK_DIR}/prefix)
 file(REMOVE_RECURSE ${WORK_DIR})
 
 # Programs that are not instrumented themselves cannot put a sanitizer
-# build's runtime first in their library list.
-set(clean_env ${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0)
+# build's runtime first in their library list: it is preloaded (PRELOAD).
+set(clean_env ${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH ASAN_OPTIONS=detect_leaks=0)
+if(PRELOAD)
+  list(APPEND clean_env LD_PRELOAD=${PRELOAD})
+endif()
 
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)

@@ -1,5 +1,6 @@
-/*
- * libzolvex-m: vector mathematics and signal processing for sampled
+/**
+ * @file zolvex_m.h
+ * @brief libzolvex-m: vector mathematics and signal processing for sampled
  * measurement data (blocks of u8/i16/u16/f32/f64 samples).
  *
  * Conventions shared by every function of this header:
@@ -17,6 +18,35 @@
  *    the generic (scalar) kernel bit for bit, except where a comment says a
  *    kernel rounds differently.
  *
+ * Threads:
+ *  - zolvex_m_init and zolvex_m_fini may be called from any threads, also
+ *    at once: a lock serialises them, and only the outermost pair starts
+ *    and stops anything. Do not call zolvex_m_fini while other threads are
+ *    still inside the library (it unloads the optional libraries and stops
+ *    the thread pool).
+ *  - The plain vector functions (arithmetic, conversions, statistics,
+ *    generation, elementary functions, de-interleaving) keep no state
+ *    between calls: any number of threads may call them at once, on
+ *    different output arrays. Functions with a state block, a plan or a
+ *    filter state say in their section what may be shared.
+ *  - zolvex_m_setopt takes no lock: change options while no other thread is
+ *    inside the library.
+ *
+ * Before zolvex_m_init: every function that needs neither an optional
+ * library nor the thread pool works, with the generic kernels (all option
+ * flags start off); work that would go to the thread pool runs on the
+ * calling thread. zolvex_m_init switches on the kernels the processor
+ * allows and loads the accelerator, so call it first in a program that
+ * wants speed.
+ *
+ * Alignment: no function requires aligned arrays; every kernel reads and
+ * writes any address of its element type. Alignment buys speed only: with
+ * arrays on 64-byte boundaries (aligned_alloc(64, ...)) no vector access
+ * straddles two cache lines, which matters most for the AVX-512 kernels on
+ * long blocks. The transforms' FFTW plans are the exception that needs
+ * care: an FFTW plan runs only on buffers of the alignment class it was
+ * planned with (zolvex_m_dft_alignment_of).
+ *
  * Valid C99 and C++.
  */
 #ifndef ZOLVEX_M_H
@@ -25,6 +55,7 @@
 #include <stdbool.h>
 #include <stdint.h>
 
+/** Marks the library's exported functions (symbol visibility). */
 #if defined(_WIN32)
 #  if defined(ZOLVEX_M_BUILDING)
 #    define ZOLVEX_M_API __declspec(dllexport)
@@ -40,51 +71,68 @@ extern "C" {
 #endif
 
 /* ------------------------------------------------------------------------ */
-/* Status codes                                                             */
-/* ------------------------------------------------------------------------ */
+/**
+ * @defgroup status_codes Status codes
+ * @{
+ */
 
-#define ZOLVEX_M_STATUS_SUCCESS            0
-#define ZOLVEX_M_STATUS_FAILED            (-1)
-#define ZOLVEX_M_STATUS_ERROR_DATA_LENGTH (-2)
-#define ZOLVEX_M_STATUS_OUT_OF_MEMORY     (-3)
-#define ZOLVEX_M_STATUS_INVALID_PLAN      (-4)
-#define ZOLVEX_M_STATUS_NULLPTR           (-5)
+#define ZOLVEX_M_STATUS_SUCCESS            0 /**< The call did its work. */
+#define ZOLVEX_M_STATUS_FAILED            (-1) /**< An argument or state was refused, or a backend failed. */
+#define ZOLVEX_M_STATUS_ERROR_DATA_LENGTH (-2) /**< A length the function cannot take. */
+#define ZOLVEX_M_STATUS_OUT_OF_MEMORY     (-3) /**< Memory could not be had. */
+#define ZOLVEX_M_STATUS_INVALID_PLAN      (-4) /**< A plan that does not fit the call. */
+#define ZOLVEX_M_STATUS_NULLPTR           (-5) /**< A pointer the function tests was NULL. */
 
-/* The constant text of a status code ("Success", "Failed", "Error data
+/** The constant text of a status code ("Success", "Failed", "Error data
  * length", "Out of memory", "Invalid plan", "nullptr"), or NULL for any value
  * outside -5..0. The text is statically stored and never freed. */
 ZOLVEX_M_API const char* zolvex_m_status_str(int32_t status);
 
-/* Frees the state block *state (allocated by a stateful function such as a
+/** Frees the state block *state (allocated by a stateful function such as a
  * trigger search) and sets *state to NULL, so a second call frees nothing.
  * state itself must not be NULL. */
 ZOLVEX_M_API void zolvex_m_state_free(void** state);
 
-/* The library's version; the build reads it from these four lines. */
+/** @name ZOLVEX_M_VERSION_* */
+/** @{ */
+/** The library's version; the build reads it from these four lines. */
 #define ZOLVEX_M_VERSION_MAJOR 0
 #define ZOLVEX_M_VERSION_MINOR 38
 #define ZOLVEX_M_VERSION_RELEASE 5
 #define ZOLVEX_M_VERSION_BUILD 2
+/** @} */
 
-/* The version as zolvex_m_get_version hands it out: four 16-bit numbers in
+/** The version as zolvex_m_get_version hands it out: four 16-bit numbers in
  * this memory order. Read it field by field. */
 typedef struct ZolvexMVersion {
-    uint16_t major;
-    uint16_t minor;
-    uint16_t release;
-    uint16_t build;
+    uint16_t major;  /**< ZOLVEX_M_VERSION_MAJOR */
+    uint16_t minor;  /**< ZOLVEX_M_VERSION_MINOR */
+    uint16_t release; /**< ZOLVEX_M_VERSION_RELEASE */
+    uint16_t build;  /**< ZOLVEX_M_VERSION_BUILD */
 } ZolvexMVersion;
 
-/* Address of the constant version record (the ZOLVEX_M_VERSION_* numbers):
+/** Address of the constant version record (the ZOLVEX_M_VERSION_* numbers):
  * a ZolvexMVersion.
  * Needs no initialisation; always the same address. */
 ZOLVEX_M_API const void* zolvex_m_get_version(void);
 
-/* ------------------------------------------------------------------------ */
-/* Initialisation and options                                               */
-/* ------------------------------------------------------------------------ */
+/** The version record with its type: zolvex_m_get_version's address as a
+ * ZolvexMVersion. Defined here, not exported. */
+static inline const ZolvexMVersion* zolvex_m_version_record(void) {
+    return (const ZolvexMVersion*)zolvex_m_get_version();
+}
 
-/* Option ids. Id 13 does not exist; ids are never renumbered. */
+/** @} */
+
+/* ------------------------------------------------------------------------ */
+/**
+ * @defgroup initialisation_and_options Initialisation and options
+ * @{
+ */
+
+/** @name ZOLVEX_M_OPT_* */
+/** @{ */
+/** Option ids. Id 13 does not exist; ids are never renumbered. */
 #define ZOLVEX_M_OPT_SSE        1
 #define ZOLVEX_M_OPT_SSE2       2
 #define ZOLVEX_M_OPT_SSE3       3
@@ -102,15 +150,22 @@ ZOLVEX_M_API const void* zolvex_m_get_version(void);
 #define ZOLVEX_M_OPT_AVX512BW  16
 #define ZOLVEX_M_OPT_AVX512DQ  17
 #define ZOLVEX_M_OPT_AVX512CD  18
+/** @} */
 
-/* One row of the option list; the row with id 0 (and a NULL description)
+/** One row of the option list; the row with id 0 (and a NULL description)
  * ends it. */
 typedef struct OptionEntry {
-    int32_t id;
-    const char* description;
+    int32_t id;             /**< The option id (ZOLVEX_M_OPT_*), 0 in the end row. */
+    const char* description; /**< Constant text naming the option, NULL in the end row. */
 } OptionEntry;
 
-/* Brackets all use of the library. Calls nest by reference count: only the
+/** The option-list row under this library's prefix, for programs that have
+ * a type of their own called OptionEntry (the unprefixed name stays). */
+typedef OptionEntry ZolvexMOptionEntry;
+
+/** @name init, fini */
+/** @{ */
+/** Brackets all use of the library. Calls nest by reference count: only the
  * first zolvex_m_init starts the sibling libraries, loads the optional
  * accelerator, reads the processor's features into the option flags and
  * chooses the kernels; only the matching last zolvex_m_fini unloads and stops
@@ -122,12 +177,13 @@ typedef struct OptionEntry {
  * only brings it back to 0 without initialising. */
 ZOLVEX_M_API int32_t zolvex_m_init(void);
 ZOLVEX_M_API int32_t zolvex_m_fini(void);
+/** @} */
 
-/* Writes 1 (on) or 0 (off) into *value for a known option id and returns 0;
+/** Writes 1 (on) or 0 (off) into *value for a known option id and returns 0;
  * returns -1 and leaves *value untouched for an unknown id. Needs no init. */
 ZOLVEX_M_API int32_t zolvex_m_getopt(int32_t id, uint32_t* value);
 
-/* Switches an option on (value != 0) or off (value == 0); returns 0 on
+/** Switches an option on (value != 0) or off (value == 0); returns 0 on
  * success, -1 otherwise:
  *  - processor options switch on only if the processor (and operating
  *    system) supports the feature; otherwise the flag is left off and -1
@@ -142,21 +198,28 @@ ZOLVEX_M_API int32_t zolvex_m_getopt(int32_t id, uint32_t* value);
  * responsibility (a running call may use the old or the new kernel). */
 ZOLVEX_M_API int32_t zolvex_m_setopt(uint32_t id, int32_t value);
 
-/* The static option list, in the order 1..8, 15, 18, 16, 17, 14, 9..12, then
+/** The static option list, in the order 1..8, 15, 18, 16, 17, 14, 9..12, then
  * the end row {0, NULL}. Never fails. */
 ZOLVEX_M_API const OptionEntry* zolvex_m_getopt_list(void);
 
+/** @} */
+
 /* ------------------------------------------------------------------------ */
-/* Element-wise arithmetic                                                  */
-/* ------------------------------------------------------------------------ */
-/* Each result is rounded to the element type. Division by zero, overflow and
+/**
+ * @defgroup element_wise_arithmetic Element-wise arithmetic
+ *
+ * Each result is rounded to the element type. Division by zero, overflow and
  * NaN follow IEEE arithmetic. add, sub, mul, div, addc, subc, csub, mulc,
  * divc and cdiv have AVX and AVX-512 (F with CD) kernels with results equal
  * to the generic kernel's (a NaN result may carry another NaN payload). All return 0, except mulc/divc with the
  * ZOLVEX_M_OPT_IPP option on (then -1 if the accelerator reports an error,
- * and a count of 0 is judged by the accelerator). */
+ * and a count of 0 is judged by the accelerator).
+ * @{
+ */
 
-/* out[i] = x[i] + y[i], - , *, / */
+/** @name add, sub, mul, div */
+/** @{ */
+/** out[i] = x[i] + y[i], - , *, / */
 ZOLVEX_M_API int32_t zolvex_m_add_f32(const float* x, const float* y, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_add_f64(const double* x, const double* y, double* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_sub_f32(const float* x, const float* y, float* out, uint32_t n);
@@ -165,8 +228,11 @@ ZOLVEX_M_API int32_t zolvex_m_mul_f32(const float* x, const float* y, float* out
 ZOLVEX_M_API int32_t zolvex_m_mul_f64(const double* x, const double* y, double* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_div_f32(const float* x, const float* y, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_div_f64(const double* x, const double* y, double* out, uint32_t n);
+/** @} */
 
-/* out[i] = x[i] + c, x[i] - c, c - x[i], x[i] * c, x[i] / c, c / x[i] */
+/** @name addc, subc, csub, mulc, ... */
+/** @{ */
+/** out[i] = x[i] + c, x[i] - c, c - x[i], x[i] * c, x[i] / c, c / x[i] */
 ZOLVEX_M_API int32_t zolvex_m_addc_f32(const float* x, float* out, uint32_t n, float c);
 ZOLVEX_M_API int32_t zolvex_m_addc_f64(const double* x, double* out, uint32_t n, double c);
 ZOLVEX_M_API int32_t zolvex_m_subc_f32(const float* x, float* out, uint32_t n, float c);
@@ -179,34 +245,53 @@ ZOLVEX_M_API int32_t zolvex_m_divc_f32(const float* x, float* out, uint32_t n, f
 ZOLVEX_M_API int32_t zolvex_m_divc_f64(const double* x, double* out, uint32_t n, double c);
 ZOLVEX_M_API int32_t zolvex_m_cdiv_f32(const float* x, float* out, uint32_t n, float c);
 ZOLVEX_M_API int32_t zolvex_m_cdiv_f64(const double* x, double* out, uint32_t n, double c);
+/** @} */
 
-/* out[i] = fmod(x[i], c): the remainder with the sign of x[i]; c = 0 gives
+/** @name modc */
+/** @{ */
+/** out[i] = fmod(x[i], c): the remainder with the sign of x[i]; c = 0 gives
  * NaN. */
 ZOLVEX_M_API int32_t zolvex_m_modc_f32(const float* x, float* out, uint32_t n, float c);
 ZOLVEX_M_API int32_t zolvex_m_modc_f64(const double* x, double* out, uint32_t n, double c);
+/** @} */
 
-/* out[i] = x[i] * m + a. With the AVX2 and FMA3 options both on, a fused
+/** @name mulc_addc */
+/** @{ */
+/** out[i] = x[i] * m + a. With the AVX2 and FMA3 options both on, a fused
  * multiply-add computes it with one rounding (the last bit may then differ
  * from the other kernels, which round the product and then the sum). */
 ZOLVEX_M_API int32_t zolvex_m_mulc_addc_f32(const float* x, float* out, uint32_t n, float m, float a);
 ZOLVEX_M_API int32_t zolvex_m_mulc_addc_f64(const double* x, double* out, uint32_t n, double m, double a);
+/** @} */
 
-/* out[i] = |x[i]| (the sign bit cleared: -0.0 gives +0.0, NaN stays NaN). */
+/** @name abs */
+/** @{ */
+/** out[i] = |x[i]| (the sign bit cleared: -0.0 gives +0.0, NaN stays NaN). */
 ZOLVEX_M_API int32_t zolvex_m_abs_f32(const float* x, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_abs_f64(const double* x, double* out, uint32_t n);
+/** @} */
 
-/* out[i] = value */
+/** @name set */
+/** @{ */
+/** out[i] = value */
 ZOLVEX_M_API int32_t zolvex_m_set_u8(uint8_t* out, uint32_t n, uint8_t value);
 ZOLVEX_M_API int32_t zolvex_m_set_i16(int16_t* out, uint32_t n, int16_t value);
 ZOLVEX_M_API int32_t zolvex_m_set_u16(uint16_t* out, uint32_t n, uint16_t value);
 ZOLVEX_M_API int32_t zolvex_m_set_u32(uint32_t* out, uint32_t n, uint32_t value);
 ZOLVEX_M_API int32_t zolvex_m_set_f32(float* out, uint32_t n, float value);
 ZOLVEX_M_API int32_t zolvex_m_set_f64(double* out, uint32_t n, double value);
+/** @} */
+
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Conversions                                                              */
-/* ------------------------------------------------------------------------ */
-/* out[i] = x[i] converted to the output type, rounded to nearest (ties to
+/**
+ * @defgroup conversions Conversions
+ * @{
+ */
+/** @name convert */
+/** @{ */
+/** out[i] = x[i] converted to the output type, rounded to nearest (ties to
  * even) where the value is not exactly representable: integers wider than the
  * float's significand (i32/u32/i64/u64 to f32, i64/u64 to f64) and f64 to
  * f32. f64 values beyond the f32 range give an infinity of their sign; NaN
@@ -231,11 +316,18 @@ ZOLVEX_M_API int32_t zolvex_m_convert_u32f64(const uint32_t* x, double* out, uin
 ZOLVEX_M_API int32_t zolvex_m_convert_u64f64(const uint64_t* x, double* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_convert_f32f64(const float* x, double* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_convert_f64f32(const double* x, float* out, uint32_t n);
+/** @} */
+
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Shift right and clip                                                     */
-/* ------------------------------------------------------------------------ */
-/* out[i] = min(max(x[i] >> shift, low), high): a logical right shift, then a
+/**
+ * @defgroup shift_right_and_clip Shift right and clip
+ * @{
+ */
+/** @name shr_clip */
+/** @{ */
+/** out[i] = min(max(x[i] >> shift, low), high): a logical right shift, then a
  * clamp to [low, high]. A shift of the element width or more gives 0 before
  * the clamp. If low > high every element becomes high. Typical use: bring
  * raw ADC codes to a smaller range (e.g. 12-bit codes in 16-bit words to 8
@@ -245,12 +337,20 @@ ZOLVEX_M_API int32_t zolvex_m_shr_clip_u8(const uint8_t* x, uint8_t* out, uint32
                                           uint32_t shift, uint8_t low, uint8_t high);
 ZOLVEX_M_API int32_t zolvex_m_shr_clip_u16(const uint16_t* x, uint16_t* out, uint32_t n,
                                            uint32_t shift, uint16_t low, uint16_t high);
+/** @} */
+
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Search and statistics                                                    */
-/* ------------------------------------------------------------------------ */
-/* (min/max and sums) */
-/* Block statistics: the smallest and largest sample, the sum and the sum of
+/**
+ * @defgroup search_and_statistics Search and statistics
+ *
+ * (min/max and sums)
+ * @{
+ */
+/** @name minmax */
+/** @{ */
+/** Block statistics: the smallest and largest sample, the sum and the sum of
  * squares. data and the result pointers of the sums are not tested for
  * null; the min/max result pointers may be NULL.
  *
@@ -289,8 +389,11 @@ ZOLVEX_M_API int32_t zolvex_m_minmax_u32(const uint32_t* data, uint32_t length, 
 ZOLVEX_M_API int32_t zolvex_m_minmax_u64(const uint64_t* data, uint32_t length, uint64_t* min, uint64_t* max);
 ZOLVEX_M_API int32_t zolvex_m_minmax_f32(const float* data, uint32_t length, float* min, float* max);
 ZOLVEX_M_API int32_t zolvex_m_minmax_f64(const double* data, uint32_t length, double* min, double* max);
+/** @} */
 
-/* The sums add to the value already at *sum: set it to 0 before the first
+/** @name sum */
+/** @{ */
+/** The sums add to the value already at *sum: set it to 0 before the first
  * block of a record and call once per block to get the record's total.
  *
  * zolvex_m_sum_u8, _u16, _u32, _i16: *sum += the sum of the samples widened
@@ -302,8 +405,11 @@ ZOLVEX_M_API int32_t zolvex_m_sum_u8(const uint8_t* data, uint32_t length, uint6
 ZOLVEX_M_API int32_t zolvex_m_sum_u16(const uint16_t* data, uint32_t length, uint64_t* sum);
 ZOLVEX_M_API int32_t zolvex_m_sum_u32(const uint32_t* data, uint32_t length, uint64_t* sum);
 ZOLVEX_M_API int32_t zolvex_m_sum_i16(const int16_t* data, uint32_t length, int64_t* sum);
+/** @} */
 
-/* zolvex_m_sum_f32: the samples added in order in double precision, then
+/** @name sum, square_sum */
+/** @{ */
+/** zolvex_m_sum_f32: the samples added in order in double precision, then
  * *sum added and the total stored rounded to float ({2.0} added to 1.0
  * gives 3.0). zolvex_m_square_sum_f32: the squares (exact in double) added
  * in order in double precision, then *sum (a double) added. One kernel
@@ -311,8 +417,11 @@ ZOLVEX_M_API int32_t zolvex_m_sum_i16(const int16_t* data, uint32_t length, int6
  * Return 0. */
 ZOLVEX_M_API int32_t zolvex_m_sum_f32(const float* data, uint32_t length, float* sum);
 ZOLVEX_M_API int32_t zolvex_m_square_sum_f32(const float* data, uint32_t length, double* sum);
+/** @} */
 
-/* zolvex_m_sum_f64, zolvex_m_square_sum_f64: *sum plus the samples (or
+/** @name sum, square_sum */
+/** @{ */
+/** zolvex_m_sum_f64, zolvex_m_square_sum_f64: *sum plus the samples (or
  * their squares x * x, each rounded before it is added), in an order that
  * depends on the options, so the last bits of the result do too (the same
  * options and data always give the same bits):
@@ -332,9 +441,12 @@ ZOLVEX_M_API int32_t zolvex_m_square_sum_f32(const float* data, uint32_t length,
  * said for the accelerator. */
 ZOLVEX_M_API int32_t zolvex_m_sum_f64(const double* data, uint32_t length, double* sum);
 ZOLVEX_M_API int32_t zolvex_m_square_sum_f64(const double* data, uint32_t length, double* sum);
+/** @} */
 
-/* (linear histograms) */
-/* Adds the samples of a block to a histogram of bin_count equally wide bins
+/** (linear histograms) */
+/** @name histogram_lin_1d */
+/** @{ */
+/** Adds the samples of a block to a histogram of bin_count equally wide bins
  * between range_min and range_max, plus optional counters for the samples
  * below and above that range. Counters are only ever added to, never
  * cleared: zero them once, then call block after block to accumulate.
@@ -413,9 +525,12 @@ ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_f64u32(const double* data, uint3
     double range_min, double range_max, uint32_t* bins, uint32_t bin_count, uint32_t* below, uint32_t* above);
 ZOLVEX_M_API uint32_t zolvex_m_histogram_lin_1d_f64u64(const double* data, uint32_t length,
     double range_min, double range_max, uint64_t* bins, uint32_t bin_count, uint64_t* below, uint64_t* above);
+/** @} */
 
-/* (index search) */
-/* Index searches: from a start index, the first sample of one block that
+/** (index search) */
+/** @name index_gt, index_gte, index_lt, index_lte, ... */
+/** @{ */
+/** Index searches: from a start index, the first sample of one block that
  * meets a level condition, or the index of the block's extreme sample.
  * Stateless relatives of the triggers below. Levels and values have the
  * samples' own type and raw units. Every function returns 0
@@ -512,11 +627,18 @@ ZOLVEX_M_API int32_t zolvex_m_index_out_f64(const double* data, uint32_t length,
     double level_low, uint32_t* index);
 ZOLVEX_M_API int32_t zolvex_m_index_max_f64(const double* data, uint32_t length, uint32_t* index, double* value);
 ZOLVEX_M_API int32_t zolvex_m_index_min_f64(const double* data, uint32_t length, uint32_t* index, double* value);
+/** @} */
+
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Trigger detection                                                        */
-/* ------------------------------------------------------------------------ */
-/* Edge triggers find where a signal crosses a level, in a stream that
+/**
+ * @defgroup trigger_detection Trigger detection
+ * @{
+ */
+/** @name trigger_edge_rising, trigger_edge_falling, trigger_edge_any */
+/** @{ */
+/** Edge triggers find where a signal crosses a level, in a stream that
  * arrives block by block: a search may start in one block and end in a later
  * one. Levels are in the samples' own type and raw units (u8 levels for u8
  * data); nothing is scaled.
@@ -565,8 +687,11 @@ ZOLVEX_M_API int32_t zolvex_m_index_min_f64(const double* data, uint32_t length,
  *    once, leaving *position and the state block as they are (a new block is
  *    still allocated when *state was NULL).
  *  - Returns 0 (ZOLVEX_M_STATUS_SUCCESS); -1 (ZOLVEX_M_STATUS_FAILED),
- *    writing nothing, when the state block holds no valid state of this kind
- *    (a block from another kind, or overwritten); -3
+ *    writing nothing, when a word of the state block lies outside the range
+ *    this kind ever stores (an overwritten block). A state is checked for its
+ *    range only, not for the kind that made it: a block of another kind
+ *    whose words are in range is taken as a state of this kind (the first
+ *    word of a runt trigger's block is a valid edge state, for one). -3
  *    (ZOLVEX_M_STATUS_OUT_OF_MEMORY) when the block cannot be allocated, in
  *    which case *state stays NULL and *position is untouched.
  *  - data, position and state are not tested for null.
@@ -603,9 +728,12 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_edge_falling_f64(const double* data, uint3
     double trigger_level, uint32_t* position, void** state);
 ZOLVEX_M_API int32_t zolvex_m_trigger_edge_any_f64(const double* data, uint32_t length, double arm_level_high,
     double arm_level_low, double trigger_level, uint32_t* position, void** state);
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Window triggers: the signal against a band [level_low, level_high]; both
+/** @name trigger_window_inside, trigger_window_outside, trigger_window_enter, trigger_window_exit */
+/** @{ */
+/** Window triggers: the signal against a band [level_low, level_high]; both
  * levels belong to the window. Same calling convention as the edge triggers
  * (except outside, which keeps no state); levels are not checked for order.
  *  - inside: fires on the first sample inside the window. The sample at
@@ -687,14 +815,29 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_window_enter_f64(const double* data, uint3
 ZOLVEX_M_API int32_t zolvex_m_trigger_window_exit_f64(const double* data, uint32_t length,
     double arm_level_high, double level_high, double arm_level_low, double level_low,
     uint32_t* position, void** state);
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Pulse-width and interval triggers: measure a duration in samples and fire
+/** @name ZOLVEX_M_DURATION_* */
+/** @{ */
+/** The duration modes of the pulse-width, interval and runt triggers:
+ * what a duration d must satisfy against time_min and time_max for the
+ * trigger to fire. Any other value, negative ones included: never. */
+#define ZOLVEX_M_DURATION_ANY     0 /**< always */
+#define ZOLVEX_M_DURATION_SHORTER 1 /**< d < time_min */
+#define ZOLVEX_M_DURATION_LONGER  2 /**< d > time_min (time_min, not time_max) */
+#define ZOLVEX_M_DURATION_INSIDE  3 /**< time_min <= d <= time_max */
+#define ZOLVEX_M_DURATION_OUTSIDE 4 /**< d < time_min or d > time_max */
+/** @} */
+
+/** @name trigger_pulse_width_positive, trigger_pulse_width_negative, trigger_interval_positive, trigger_interval_negative */
+/** @{ */
+/** Pulse-width and interval triggers: measure a duration in samples and fire
  * when it satisfies `mode` against time_min and time_max:
  *   0  always                     3  time_min <= d <= time_max
  *   1  d < time_min               4  d < time_min or d > time_max
  *   2  d > time_min (time_min, not time_max)
- *   any other value, negative ones included: never.
+ *   any other value, negative ones included: never (ZOLVEX_M_DURATION_*).
  * Durations and limits are unsigned 32-bit; a duration of 2^32 samples or
  * more wraps. The limits are not checked for order.
  *  - pulse_width_positive: a pulse rises from <= level_low to >= level_high
@@ -789,9 +932,12 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_interval_positive_f64(const double* data, 
 ZOLVEX_M_API int32_t zolvex_m_trigger_interval_negative_f64(const double* data, uint32_t length,
     double level_high, double level_low, int32_t mode, uint32_t time_min,
     uint32_t time_max, uint32_t* position, void** state);
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Runt-pulse triggers. A runt crosses one level of the window
+/** @name trigger_runt_pulse_positive, trigger_runt_pulse_negative, trigger_runt_pulse_any */
+/** @{ */
+/** Runt-pulse triggers. A runt crosses one level of the window
  * [level_low, level_high] (both levels inside) and turns back before it
  * reaches the other: a positive runt comes up from below level_low into the
  * window and falls back below level_low without going above level_high; a
@@ -867,11 +1013,15 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_negative_f64(const double* data
 ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f64(const double* data, uint32_t length,
     double level_high, double level_low, int32_t mode, uint32_t time_min,
     uint32_t time_max, uint32_t* position, void** state);
+/** @} */
+
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Signal generation: noise                                                 */
-/* ------------------------------------------------------------------------ */
-/* Uniform pseudo-random noise, reproducible from a seed. Each call builds its
+/**
+ * @defgroup signal_generation_noise Signal generation: noise
+ *
+ * Uniform pseudo-random noise, reproducible from a seed. Each call builds its
  * own generator: MT19937 with std::mt19937's parameters, seeded with *seed,
  * or, when seed is NULL, with one value of the platform's non-deterministic
  * source (std::random_device), so that two such calls differ. No state
@@ -879,8 +1029,9 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f64(const double* data, uin
  *
  * Real variates use two engine outputs d1, d2 per sample:
  * u = (d1 + d2 * 2^32) * 2^-64, rounded to double, u >= 1 replaced by the
- * largest double below 1, so u lies in [0, 1) (std::uniform_real_distribution
- * <double> over std::generate_canonical on a 32-bit engine; the f32 forms use
+ * largest double below 1, so u lies in [0, 1)
+ * (`std::uniform_real_distribution<double>` over std::generate_canonical on
+ * a 32-bit engine; the f32 forms use
  * this double variate too). Integer variates follow
  * std::uniform_int_distribution for a 32-bit engine: with range
  * r = max - min + 1 (bounds widened to 32 bits: u8 and u16 zero-extended, i16
@@ -895,9 +1046,13 @@ ZOLVEX_M_API int32_t zolvex_m_trigger_runt_pulse_any_f64(const double* data, uin
  * equal those of std::mt19937 with libstdc++'s distributions. Example: seed
  * 5489, f64, min 0, max 1: the first sample is 0.1354770042967805.
  * All return 0 (also for count 0, which touches nothing), or -1 when the
- * random device fails (seed NULL only). */
+ * random device fails (seed NULL only).
+ * @{
+ */
 
-/* out[i] = min + u * (max - min) in double (f32: rounded to float once), in
+/** @name waveform_noise */
+/** @{ */
+/** out[i] = min + u * (max - min) in double (f32: rounded to float once), in
  * [min, max) (max itself only through that rounding); min > max mirrors the
  * interval. Integers: uniform in [min, max], both included. */
 ZOLVEX_M_API int32_t zolvex_m_waveform_noise_u8(uint8_t* out, uint32_t count, uint8_t min, uint8_t max,
@@ -910,8 +1065,11 @@ ZOLVEX_M_API int32_t zolvex_m_waveform_noise_f32(float* out, uint32_t count, flo
     const uint32_t* seed);
 ZOLVEX_M_API int32_t zolvex_m_waveform_noise_f64(double* out, uint32_t count, double min, double max,
     const uint32_t* seed);
+/** @} */
 
-/* data[i] = clip(data[i] + n), n = u * (a - (-a)) + (-a) uniform in [-a, a)
+/** @name add_noise */
+/** @{ */
+/** data[i] = clip(data[i] + n), n = u * (a - (-a)) + (-a) uniform in [-a, a)
  * (a = amplitude), computed in double for every type: values below low give
  * low, otherwise values above high give high (so low > high gives low or
  * high only); a NaN sample stays NaN. f32 rounds the clipped double once;
@@ -928,11 +1086,18 @@ ZOLVEX_M_API int32_t zolvex_m_add_noise_f32(float* data, uint32_t count, float a
     float high, const uint32_t* seed);
 ZOLVEX_M_API int32_t zolvex_m_add_noise_f64(double* data, uint32_t count, double amplitude, double low,
     double high, const uint32_t* seed);
+/** @} */
+
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Signal generation: window functions                                      */
-/* ------------------------------------------------------------------------ */
-/* out[i] = in[i] * w(i) * factor, factor = the window's amplitude correction
+/**
+ * @defgroup signal_generation_window_functions Signal generation: window functions
+ * @{
+ */
+/** @name window_hanning, window_hamming, window_blackman, window_nuttall, ... */
+/** @{ */
+/** out[i] = in[i] * w(i) * factor, factor = the window's amplitude correction
  * (1 / its mean) when `scale` is non-zero, else 1. Symmetric windows over
  * D = n - 1: w(0) = w(n - 1), and in general w(i) = w(D - i) bit for bit.
  * out may equal in. n = 0 returns 0 and touches nothing; n = 1 writes NaN
@@ -1019,11 +1184,18 @@ ZOLVEX_M_API int32_t zolvex_m_window_gaussian_f32(const float* in, float* out, u
 ZOLVEX_M_API int32_t zolvex_m_window_gaussian_f64(const double* in, double* out, uint32_t n, uint8_t scale);
 ZOLVEX_M_API int32_t zolvex_m_window_parzen_f32(const float* in, float* out, uint32_t n, uint8_t scale);
 ZOLVEX_M_API int32_t zolvex_m_window_parzen_f64(const double* in, double* out, uint32_t n, uint8_t scale);
+/** @} */
+
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Signal generation: periodic waveforms                                    */
-/* ------------------------------------------------------------------------ */
-/* out[i] = offset + amplitude * shape(t), t = frac(phase + frequency * k)
+/**
+ * @defgroup signal_generation_periodic_waveforms Signal generation: periodic waveforms
+ * @{
+ */
+/** @name waveform_cosine, waveform_square, waveform_triangle */
+/** @{ */
+/** out[i] = offset + amplitude * shape(t), t = frac(phase + frequency * k)
  * for the absolute sample index k = start + i (modulo 2^64): frequency in
  * cycles per sample, phase in cycles (0.25 = a quarter period), both any
  * finite value (a negative frequency runs backwards; only their fractional
@@ -1075,11 +1247,15 @@ ZOLVEX_M_API int32_t zolvex_m_waveform_square_f64(double* out, uint32_t count, d
     double offset, double frequency, double phase, double duty, uint64_t start);
 ZOLVEX_M_API int32_t zolvex_m_waveform_triangle_f64(double* out, uint32_t count, double amplitude,
     double offset, double frequency, double phase, uint64_t start);
+/** @} */
+
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Elementary functions                                                     */
-/* ------------------------------------------------------------------------ */
-/* out[i] = f(x[i]) for the functions of C's <math.h> (and two of this
+/**
+ * @defgroup elementary_functions Elementary functions
+ *
+ * out[i] = f(x[i]) for the functions of C's <math.h> (and two of this
  * library's own: pow2, logn; plus magnitude, sincos and unwrap below).
  * Conventions as for the arithmetic: inputs, then outputs, then the count,
  * then constants; any output may be an input array; a count of 0 returns 0
@@ -1110,9 +1286,13 @@ ZOLVEX_M_API int32_t zolvex_m_waveform_triangle_f64(double* out, uint32_t count,
  * AVX-512 kernels use its fused family, about twice as fast, and give
  * identical results to each other, which may differ from the first group's
  * in the last bit (both within the bound above). sqrt, pow2, logn_f64 and
- * unwrap give identical results on every level. */
+ * unwrap give identical results on every level.
+ * @{
+ */
 
-/* sin, cos, tan (radians; arguments of any size are reduced exactly),
+/** @name sin, cos, tan, asin, ... */
+/** @{ */
+/** sin, cos, tan (radians; arguments of any size are reduced exactly),
  * asin, acos, atan, sinh, cosh, tanh, asinh, acosh, atanh. */
 ZOLVEX_M_API int32_t zolvex_m_sin_f32(const float* x, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_sin_f64(const double* x, double* out, uint32_t n);
@@ -1138,8 +1318,11 @@ ZOLVEX_M_API int32_t zolvex_m_acosh_f32(const float* x, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_acosh_f64(const double* x, double* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_atanh_f32(const float* x, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_atanh_f64(const double* x, double* out, uint32_t n);
+/** @} */
 
-/* exp (e^x), exp2 (2^x), log (natural), log2, log10, sqrt, cbrt, erf. */
+/** @name exp, exp2, log, log2, ... */
+/** @{ */
+/** exp (e^x), exp2 (2^x), log (natural), log2, log10, sqrt, cbrt, erf. */
 ZOLVEX_M_API int32_t zolvex_m_exp_f32(const float* x, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_exp_f64(const double* x, double* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_exp2_f32(const float* x, float* out, uint32_t n);
@@ -1156,13 +1339,19 @@ ZOLVEX_M_API int32_t zolvex_m_cbrt_f32(const float* x, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_cbrt_f64(const double* x, double* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_erf_f32(const float* x, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_erf_f64(const double* x, double* out, uint32_t n);
+/** @} */
 
-/* out[i] = x[i] * x[i], the square (the partner of exp2, which is 2^x):
+/** @name pow2 */
+/** @{ */
+/** out[i] = x[i] * x[i], the square (the partner of exp2, which is 2^x):
  * one correctly rounded multiplication, with the kernels of zolvex_m_mul. */
 ZOLVEX_M_API int32_t zolvex_m_pow2_f32(const float* x, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_pow2_f64(const double* x, double* out, uint32_t n);
+/** @} */
 
-/* out[i] = log(x[i]) / log(base), the logarithm to a base given once per
+/** @name logn */
+/** @{ */
+/** out[i] = log(x[i]) / log(base), the logarithm to a base given once per
  * call. Computed with more precision than the element type (f32: double
  * precision, f64: the x87 extended format, one element at a time, slower
  * than log), then rounded once; special values are those of that quotient
@@ -1172,40 +1361,58 @@ ZOLVEX_M_API int32_t zolvex_m_pow2_f64(const double* x, double* out, uint32_t n)
  * x = base gives 1 (finite base > 0, != 1). */
 ZOLVEX_M_API int32_t zolvex_m_logn_f32(const float* x, float* out, uint32_t n, float base);
 ZOLVEX_M_API int32_t zolvex_m_logn_f64(const double* x, double* out, uint32_t n, double base);
+/** @} */
 
-/* out[i] = pow(x[i], y[i]), x to the power y. */
+/** @name pow */
+/** @{ */
+/** out[i] = pow(x[i], y[i]), x to the power y. */
 ZOLVEX_M_API int32_t zolvex_m_pow_f32(const float* x, const float* y, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_pow_f64(const double* x, const double* y, double* out, uint32_t n);
-/* out[i] = hypot(x[i], y[i]) = sqrt(x^2 + y^2) without overflow or
+/** @} */
+/** @name hypot */
+/** @{ */
+/** out[i] = hypot(x[i], y[i]) = sqrt(x^2 + y^2) without overflow or
  * underflow on the way. */
 ZOLVEX_M_API int32_t zolvex_m_hypot_f32(const float* x, const float* y, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_hypot_f64(const double* x, const double* y, double* out, uint32_t n);
-/* out[i] = atan2(y[i], x[i]), the angle of the point (x, y) in [-pi, pi];
+/** @} */
+/** @name atan2 */
+/** @{ */
+/** out[i] = atan2(y[i], x[i]), the angle of the point (x, y) in [-pi, pi];
  * y comes first, as in C. */
 ZOLVEX_M_API int32_t zolvex_m_atan2_f32(const float* y, const float* x, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_atan2_f64(const double* y, const double* x, double* out, uint32_t n);
+/** @} */
 
-/* out[i] = |z[i]| = hypot(re, im) of n interleaved complex values
+/** @name magnitude */
+/** @{ */
+/** out[i] = |z[i]| = hypot(re, im) of n interleaved complex values
  * z[2i] (real part), z[2i + 1] (imaginary part); z holds 2n elements.
  * out may be z (the results then fill its first n elements). */
 ZOLVEX_M_API int32_t zolvex_m_magnitude_c32f32(const float* z, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_magnitude_c64f64(const double* z, double* out, uint32_t n);
+/** @} */
 
-/* sin_out[i] = sin(x[i]), cos_out[i] = cos(x[i]), the values sin and cos
+/** @name sincos */
+/** @{ */
+/** sin_out[i] = sin(x[i]), cos_out[i] = cos(x[i]), the values sin and cos
  * give, in one pass. sin_out and cos_out must be different arrays. */
 ZOLVEX_M_API int32_t zolvex_m_sincos_f32(const float* x, float* sin_out, float* cos_out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_sincos_f64(const double* x, double* sin_out, double* cos_out, uint32_t n);
+/** @} */
 
-/* Where a phase record continues after its last block. Zero-fill it before
+/** Where a phase record continues after its last block. Zero-fill it before
  * the first block ({0} in C); unwrap fills it in. f32 values are held
  * exactly in the doubles. */
 typedef struct ZolvexMUnwrapState {
-    double previous;    /* the last input sample so far */
-    double correction;  /* the multiple of 2*pi added to it (summed) */
-    uint32_t started;   /* 0 until the record's first sample was seen */
+    double previous;   /**< the last input sample so far */
+    double correction; /**< the multiple of 2*pi added to it (summed) */
+    uint32_t started;  /**< 0 until the record's first sample was seen */
 } ZolvexMUnwrapState;
 
-/* Phase unwrapping as numpy.unwrap(x) does it (period 2*pi): where two
+/** @name unwrap */
+/** @{ */
+/** Phase unwrapping as numpy.unwrap(x) does it (period 2*pi): where two
  * consecutive samples differ by pi or more, every later sample is shifted by
  * the multiple of 2*pi that brings the difference into [-pi, pi] (a jump of
  * exactly +pi stays +pi, -pi stays -pi). Computed with numpy's operations in
@@ -1221,10 +1428,18 @@ typedef struct ZolvexMUnwrapState {
  * One kernel (a running sum). */
 ZOLVEX_M_API int32_t zolvex_m_unwrap_f32(const float* x, float* out, uint32_t n, ZolvexMUnwrapState* state);
 ZOLVEX_M_API int32_t zolvex_m_unwrap_f64(const double* x, double* out, uint32_t n, ZolvexMUnwrapState* state);
+/** @} */
 
-/* Integer and bit operations                                               */
+/** @} */
+
 /* ------------------------------------------------------------------------ */
-/* Element-wise operations on raw integer samples (and clipping of every
+/**
+ * @defgroup integer_and_bit_operations Integer and bit operations
+ * @{
+ */
+/** @name shl, shr */
+/** @{ */
+/** Element-wise operations on raw integer samples (and clipping of every
  * sample type), with the conventions of this header: inputs, output, count,
  * constants; out may be x; a count of 0 touches nothing. All return 0,
  * except the shifts on the accelerator (below). Kernels: SSE4.2 (the shifts
@@ -1242,8 +1457,11 @@ ZOLVEX_M_API int32_t zolvex_m_shl_u8(const uint8_t* x, uint8_t* out, uint32_t n,
 ZOLVEX_M_API int32_t zolvex_m_shl_u16(const uint16_t* x, uint16_t* out, uint32_t n, uint32_t shift);
 ZOLVEX_M_API int32_t zolvex_m_shr_u8(const uint8_t* x, uint8_t* out, uint32_t n, uint32_t shift);
 ZOLVEX_M_API int32_t zolvex_m_shr_u16(const uint16_t* x, uint16_t* out, uint32_t n, uint32_t shift);
+/** @} */
 
-/* Bit masks, e.g. to strip status bits from ADC words or to read the digital
+/** @name andc, bit_mask_set, bit_mask_test */
+/** @{ */
+/** Bit masks, e.g. to strip status bits from ADC words or to read the digital
  * channels packed into a mixed-signal instrument's samples:
  *  - zolvex_m_andc_*: out[i] = x[i] & mask;
  *  - zolvex_m_bit_mask_set_*: out[i] = x[i] | mask;
@@ -1262,8 +1480,11 @@ ZOLVEX_M_API int32_t zolvex_m_bit_mask_test_u8(const uint8_t* x, uint8_t* out, u
 ZOLVEX_M_API int32_t zolvex_m_bit_mask_test_i16(const int16_t* x, int16_t* out, uint32_t n, int16_t mask);
 ZOLVEX_M_API int32_t zolvex_m_bit_mask_test_u16(const uint16_t* x, uint16_t* out, uint32_t n, uint16_t mask);
 ZOLVEX_M_API int32_t zolvex_m_bit_mask_test_u32(const uint32_t* x, uint32_t* out, uint32_t n, uint32_t mask);
+/** @} */
 
-/* zolvex_m_clip_*: v = x[i] < low ? low : x[i]; out[i] = v > high ? high : v.
+/** @name clip */
+/** @{ */
+/** zolvex_m_clip_*: v = x[i] < low ? low : x[i]; out[i] = v > high ? high : v.
  * So low > high gives high everywhere (as zolvex_m_shr_clip_*). For f32/f64
  * a comparison with NaN is false: a NaN sample stays NaN, and a NaN bound
  * bounds nothing (low NaN: clip to at most high; both NaN: a copy). -0.0 and
@@ -1277,11 +1498,16 @@ ZOLVEX_M_API int32_t zolvex_m_clip_u32(const uint32_t* x, uint32_t* out, uint32_
                                        uint32_t high);
 ZOLVEX_M_API int32_t zolvex_m_clip_f32(const float* x, float* out, uint32_t n, float low, float high);
 ZOLVEX_M_API int32_t zolvex_m_clip_f64(const double* x, double* out, uint32_t n, double low, double high);
+/** @} */
+
+/** @} */
 
 /* ------------------------------------------------------------------------ */
-/* Sample utilities: de-interleaving and exponential fit                     */
-/* ------------------------------------------------------------------------ */
-/* Instruments deliver several channels interleaved in one buffer (channel
+/**
+ * @defgroup sample_utilities_de_interleaving_and_exponential_fit Sample utilities: de-interleaving and exponential fit
+ * @{
+ */
+/** Instruments deliver several channels interleaved in one buffer (channel
  * 0, channel 1, ..., channel 0, ...); these split it into one buffer per
  * channel. They check no argument (null pointers included) and return 0.
  * Destinations must not overlap the source or each other.
@@ -1295,7 +1521,9 @@ ZOLVEX_M_API int32_t zolvex_m_clip_f64(const double* x, double* out, uint32_t n,
 ZOLVEX_M_API int32_t zolvex_m_deinterleave(const void* source, uint32_t channel, uint32_t channel_count,
                                            uint32_t count, uint32_t sample_size, void* destination);
 
-/* zolvex_m_deinterleaveN_u8 / _u16, N = 2 to 6: all channels at once.
+/** @name deinterleave2, deinterleave3, deinterleave4, deinterleave5, ... */
+/** @{ */
+/** zolvex_m_deinterleaveN_u8 / _u16, N = 2 to 6: all channels at once.
  * total is the number of samples in source, all channels together: with
  * frames = total / N and rest = total % N (truncating),
  * destination_c[f] = source[f * N + c] for f < frames, and the rest
@@ -1334,8 +1562,9 @@ ZOLVEX_M_API int32_t zolvex_m_deinterleave6_u16(const uint16_t* source, int32_t 
                                                 uint16_t* destination1, uint16_t* destination2,
                                                 uint16_t* destination3, uint16_t* destination4,
                                                 uint16_t* destination5);
+/** @} */
 
-/* zolvex_m_fit_exp_f64: fits y[i] = A exp(B i) to count samples at equal
+/** zolvex_m_fit_exp_f64: fits y[i] = A exp(B i) to count samples at equal
  * steps (i the sample index) as the least-squares line through (i, ln y[i]):
  * with Sx, Sxx, Sy, Sxy the sums of i, i^2, ln y[i], i ln y[i] and
  * D = count Sxx - Sx^2, A = exp((Sxx Sy - Sx Sxy) / D) and
@@ -1349,9 +1578,13 @@ ZOLVEX_M_API int32_t zolvex_m_deinterleave6_u16(const uint16_t* source, int32_t 
  * memory: no storage grows with count. Thread-safe; data is only read. */
 ZOLVEX_M_API int32_t zolvex_m_fit_exp_f64(const double* data, uint32_t count, double* a, double* b);
 
-/* Spectral transforms                                                      */
+/** @} */
+
 /* ------------------------------------------------------------------------ */
-/* Real-to-complex forward and complex-to-real inverse discrete Fourier
+/**
+ * @defgroup spectral_transforms Spectral transforms
+ *
+ * Real-to-complex forward and complex-to-real inverse discrete Fourier
  * transforms of one dimension, in single (f32) and double (f64) precision.
  *
  * Layout: a real array holds n values; a complex array holds n/2 + 1 bins
@@ -1405,9 +1638,13 @@ ZOLVEX_M_API int32_t zolvex_m_fit_exp_f64(const double* data, uint32_t count, do
  * plan is used by one thread at a time (its work buffers are its own). FFTW
  * planning and FFTW plan destruction are serialised by one process-wide
  * lock per precision. Destroy every plan before the last zolvex_m_fini
- * (which unloads FFTW and IPP). */
+ * (which unloads FFTW and IPP).
+ * @{
+ */
 
-/* Makes a forward plan for n real samples and out_length = n/2 + 1 bins;
+/** @name dft_plan_create_r2c_1d */
+/** @{ */
+/** Makes a forward plan for n real samples and out_length = n/2 + 1 bins;
  * `in` and `out` are only looked at for their alignment class (FFTW).
  * Returns 0 with *plan set, or a negative code with *plan = NULL: -2 when
  * out_length != n/2 + 1 (or the backend refuses n, see above), -3 out of
@@ -1417,8 +1654,11 @@ ZOLVEX_M_API int32_t zolvex_m_dft_plan_create_r2c_1d_f32(const float* in, uint32
     uint32_t out_length, void** plan);
 ZOLVEX_M_API int32_t zolvex_m_dft_plan_create_r2c_1d_f64(const double* in, uint32_t n, double* out,
     uint32_t out_length, void** plan);
+/** @} */
 
-/* Runs a forward plan. Checks, in this order: plan NULL: -5; n or
+/** @name dft_plan_execute_r2c_1d */
+/** @{ */
+/** Runs a forward plan. Checks, in this order: plan NULL: -5; n or
  * out_length not the plan's, or the alignment class of in or out not the
  * one the plan was made with: -4 (nothing written); the plan not a forward
  * plan of this precision (an inverse plan, or a f64 plan given to the f32
@@ -1428,8 +1668,11 @@ ZOLVEX_M_API int32_t zolvex_m_dft_plan_execute_r2c_1d_f32(void* plan, const floa
     float* out, uint32_t out_length);
 ZOLVEX_M_API int32_t zolvex_m_dft_plan_execute_r2c_1d_f64(void* plan, const double* in, uint32_t n,
     double* out, uint32_t out_length);
+/** @} */
 
-/* As the execute above, then every bin scaled to an amplitude: with
+/** @name dft_plan_execute_r2c_1d_divn */
+/** @{ */
+/** As the execute above, then every bin scaled to an amplitude: with
  * one_sided false each bin is divided by n (X[k] / n); with one_sided true
  * bin 0 becomes X[0] / n and every other bin 2 X[k] / n, the last one
  * included even when it is the Nyquist bin of an even n (a cosine of
@@ -1440,35 +1683,50 @@ ZOLVEX_M_API int32_t zolvex_m_dft_plan_execute_r2c_1d_divn_f32(void* plan, const
     uint32_t n, float* out, uint32_t out_length, bool one_sided);
 ZOLVEX_M_API int32_t zolvex_m_dft_plan_execute_r2c_1d_divn_f64(void* plan, const double* in,
     uint32_t n, double* out, uint32_t out_length, bool one_sided);
+/** @} */
 
-/* Makes an inverse plan for in_length = n/2 + 1 bins and n real samples;
+/** @name idft_plan_create_c2r_1d */
+/** @{ */
+/** Makes an inverse plan for in_length = n/2 + 1 bins and n real samples;
  * statuses as for zolvex_m_dft_plan_create_r2c_1d_* (-2 when in_length !=
  * n/2 + 1). */
 ZOLVEX_M_API int32_t zolvex_m_idft_plan_create_c2r_1d_f32(const float* in, uint32_t in_length,
     float* out, uint32_t n, void** plan);
 ZOLVEX_M_API int32_t zolvex_m_idft_plan_create_c2r_1d_f64(const double* in, uint32_t in_length,
     double* out, uint32_t n, void** plan);
+/** @} */
 
-/* Runs an inverse plan; checks and statuses as for the forward execute (a
+/** @name idft_plan_execute_c2r_1d */
+/** @{ */
+/** Runs an inverse plan; checks and statuses as for the forward execute (a
  * forward plan given here: -4). */
 ZOLVEX_M_API int32_t zolvex_m_idft_plan_execute_c2r_1d_f32(void* plan, const float* in,
     uint32_t in_length, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_idft_plan_execute_c2r_1d_f64(void* plan, const double* in,
     uint32_t in_length, double* out, uint32_t n);
+/** @} */
 
-/* Release a plan; NULL is ignored. Either function takes either kind. */
+/** @name dft_plan_destroy, idft_plan_destroy */
+/** @{ */
+/** Release a plan; NULL is ignored. Either function takes either kind. */
 ZOLVEX_M_API void zolvex_m_dft_plan_destroy(void* plan);
 ZOLVEX_M_API void zolvex_m_idft_plan_destroy(void* plan);
+/** @} */
 
-/* The alignment class of address p for a plan: FFTW's (fftw_alignment_of
+/** @name dft_alignment_of, idft_alignment_of */
+/** @{ */
+/** The alignment class of address p for a plan: FFTW's (fftw_alignment_of
  * or fftwf_alignment_of) for FFTW plans, 0 for every address with the other
  * backends; with a NULL plan, p mod 16. Executes of an FFTW plan need
  * buffers of the classes the plan was made with. Either function takes
  * either kind of plan. */
 ZOLVEX_M_API int32_t zolvex_m_dft_alignment_of(void* plan, const void* p);
 ZOLVEX_M_API int32_t zolvex_m_idft_alignment_of(void* plan, const void* p);
+/** @} */
 
-/* One-shot transforms: a plan made for exactly these buffers (with the
+/** @name dft, dft_divn, idft */
+/** @{ */
+/** One-shot transforms: a plan made for exactly these buffers (with the
  * backend order above), run once and destroyed; nothing is kept, so the
  * same call gives the same bits every time, and every call pays the
  * planning. Returns -2 when the complex length is not n/2 + 1 (nothing
@@ -1483,10 +1741,16 @@ ZOLVEX_M_API int32_t zolvex_m_dft_divn_f64(const double* in, uint32_t n, double*
     uint32_t out_length, bool one_sided);
 ZOLVEX_M_API int32_t zolvex_m_idft_f32(const float* in, uint32_t in_length, float* out, uint32_t n);
 ZOLVEX_M_API int32_t zolvex_m_idft_f64(const double* in, uint32_t in_length, double* out, uint32_t n);
+/** @} */
 
-/* IIR filters                                                              */
+/** @} */
+
 /* ------------------------------------------------------------------------ */
-/* Design (Butterworth, Chebyshev I and II, notch, peak), description,
+/**
+ * @defgroup iir_filters IIR filters
+ * @{
+ */
+/** Design (Butterworth, Chebyshev I and II, notch, peak), description,
  * frequency response and execution of IIR filters. A design returns a
  * filter state, an opaque handle the caller owns and releases with
  * zolvex_m_filter_state_destroy. A state holds its filter in up to three
@@ -1528,13 +1792,18 @@ ZOLVEX_M_API int32_t zolvex_m_idft_f64(const double* in, uint32_t in_length, dou
 
 typedef struct zolvex_m_filter_state zolvex_m_filter_state;
 
-/* Response types of the Butterworth and Chebyshev designs. */
-#define ZOLVEX_M_FILTER_LOWPASS  0u /* edge f1 */
-#define ZOLVEX_M_FILTER_HIGHPASS 1u /* edge f1 */
-#define ZOLVEX_M_FILTER_BANDPASS 2u /* edges f1 (lower), f2 (upper) */
-#define ZOLVEX_M_FILTER_BANDSTOP 3u /* edges f1 (lower), f2 (upper) */
+/** @name ZOLVEX_M_FILTER_* */
+/** @{ */
+/** Response types of the Butterworth and Chebyshev designs. */
+#define ZOLVEX_M_FILTER_LOWPASS  0u /**< edge f1 */
+#define ZOLVEX_M_FILTER_HIGHPASS 1u /**< edge f1 */
+#define ZOLVEX_M_FILTER_BANDPASS 2u /**< edges f1 (lower), f2 (upper) */
+#define ZOLVEX_M_FILTER_BANDSTOP 3u /**< edges f1 (lower), f2 (upper) */
+/** @} */
 
-/* Butterworth, Chebyshev type I (pass-band ripple rp in dB) and Chebyshev
+/** @name filter_iir_butterworth, filter_iir_chebyshev1, filter_iir_chebyshev2 */
+/** @{ */
+/** Butterworth, Chebyshev type I (pass-band ripple rp in dB) and Chebyshev
  * type II (stop-band attenuation rs in dB) filters of order 0 to 255
  * (band filters have twice as many poles), designed as scipy.signal's
  * butter, cheby1 and cheby2 with output='zpk' and fs: an analog prototype
@@ -1560,8 +1829,11 @@ ZOLVEX_M_API int32_t zolvex_m_filter_iir_chebyshev1(uint32_t type, uint8_t order
                                                     double f2, double rp, zolvex_m_filter_state** state);
 ZOLVEX_M_API int32_t zolvex_m_filter_iir_chebyshev2(uint32_t type, uint8_t order, double fs, double f1,
                                                     double f2, double rs, zolvex_m_filter_state** state);
+/** @} */
 
-/* Second-order notch and peak (resonator) filters at f0 with -3 dB
+/** @name filter_iir_notch, filter_iir_peak */
+/** @{ */
+/** Second-order notch and peak (resonator) filters at f0 with -3 dB
  * bandwidth `bandwidth` (both in the unit of fs), as scipy.signal's
  * iirnotch and iirpeak with Q = f0 / bandwidth. 2 f0 / fs must lie in
  * [0, 1], both ends included, else -1 with *state unwritten; nothing else
@@ -1571,8 +1843,11 @@ ZOLVEX_M_API int32_t zolvex_m_filter_iir_notch(double fs, double f0, double band
                                                zolvex_m_filter_state** state);
 ZOLVEX_M_API int32_t zolvex_m_filter_iir_peak(double fs, double f0, double bandwidth,
                                               zolvex_m_filter_state** state);
+/** @} */
 
-/* The state's forms. Arrays point into the state: valid until it is
+/** @name filter_iir_get_zpk, filter_iir_get_tf, filter_iir_get_sos */
+/** @{ */
+/** The state's forms. Arrays point into the state: valid until it is
  * destroyed, never to be written or freed; repeated calls return the same
  * pointers.
  * get_zpk: zeros and poles as interleaved (real, imaginary) pairs of
@@ -1597,11 +1872,14 @@ ZOLVEX_M_API int32_t zolvex_m_filter_iir_get_tf(zolvex_m_filter_state* state, co
                                                 const double** a, uint32_t* length);
 ZOLVEX_M_API int32_t zolvex_m_filter_iir_get_sos(zolvex_m_filter_state* state, const double* const** sections,
                                                  uint32_t* section_count);
+/** @} */
 
-/* Releases the state and everything it handed out. NULL does nothing. */
+/** Releases the state and everything it handed out. NULL does nothing. */
 ZOLVEX_M_API void zolvex_m_filter_state_destroy(zolvex_m_filter_state* state);
 
-/* Frequency response at n points, written to frequencies[0..n) (in the
+/** @name filter_iir_freqz_zpk, filter_iir_freqz */
+/** @{ */
+/** Frequency response at n points, written to frequencies[0..n) (in the
  * unit of fs) and response[0..2n) (interleaved real, imaginary):
  *  - linear grid: w_i = i (pi / n), or i (2 pi / n) when `whole`;
  *    frequencies i fs / (2n) (i fs / n), from 0 up to, not including,
@@ -1620,14 +1898,17 @@ ZOLVEX_M_API int32_t zolvex_m_filter_iir_freqz_zpk(zolvex_m_filter_state* state,
                                                    bool logarithmic, double* frequencies, double* response);
 ZOLVEX_M_API int32_t zolvex_m_filter_iir_freqz(zolvex_m_filter_state* state, uint32_t n, double fs, bool whole,
                                                bool logarithmic, double* frequencies, double* response);
+/** @} */
 
-/* *stable = 1 when every pole of the ZPK lies strictly inside the unit
+/** *stable = 1 when every pole of the ZPK lies strictly inside the unit
  * circle (a pole on it, or a NaN pole, gives 0). A filter without poles is
  * deliberately not reported as stable: -1 and *stable unwritten. Returns 0
  * or -1. */
 ZOLVEX_M_API int32_t zolvex_m_filter_iir_isstable(zolvex_m_filter_state* state, bool* stable);
 
-/* Filters count samples from input to output (output may equal input) and
+/** @name filter_execute */
+/** @{ */
+/** Filters count samples from input to output (output may equal input) and
  * keeps the delay line in the state, so consecutive blocks are filtered as
  * one signal: one block of 2n samples gives the bits of two blocks of n.
  * The first call builds the state's runtime filter from its sections,
@@ -1656,8 +1937,9 @@ ZOLVEX_M_API int32_t zolvex_m_filter_execute_f32(const float* input, float* outp
                                                  zolvex_m_filter_state* state);
 ZOLVEX_M_API int32_t zolvex_m_filter_execute_f64(const double* input, double* output, uint32_t count,
                                                  zolvex_m_filter_state* state);
+/** @} */
 
-/* steady_state false: the delay line becomes zero now (each section then
+/** steady_state false: the delay line becomes zero now (each section then
  * answers the first sample x with b0 x). true: the next non-empty block
  * starts as if its first sample x had been the input for ever (each
  * section's delay line x zi, zi being its steady state for a unit step at
@@ -1667,6 +1949,42 @@ ZOLVEX_M_API int32_t zolvex_m_filter_execute_f64(const double* input, double* ou
  * flag is kept in the state, so a runtime filter built later starts the
  * same way; a new state starts at zero. */
 ZOLVEX_M_API void zolvex_m_filter_reset_delay_line(zolvex_m_filter_state* state, bool steady_state);
+
+/** @} */
+
+/* ------------------------------------------------------------------------ */
+/**
+ * @defgroup diagnostics Diagnostics
+ * @{
+ */
+
+/** Which kernel a call would run under the current options: entry `index`
+ * of the library's kernel report, one entry per family and sample type,
+ * read from the same kernel tables the calls choose from (as `zolvexm
+ * kernels` prints it).
+ *
+ * @param index        0 for the first entry; count up until -1 comes back.
+ * @param family       receives the functions the entry covers, as in their
+ *                     names ("minmax", "add sub mul div ...").
+ * @param type         receives the sample type suffix ("u8", "f32", ...).
+ * @param level        receives the instruction-set level a call would use
+ *                     now: "generic", "sse42", "avx", "avx2" (with FMA3),
+ *                     "avx512" (F with CD) or "avx512bw".
+ * @param accelerator  receives the accelerator that would take the call
+ *                     instead ("ipp", "fftw3", "fftw3f"), or NULL when the
+ *                     library's own kernel runs.
+ * @return 0 with all four written; -1 (ZOLVEX_M_STATUS_FAILED) when index
+ *         is past the last entry, nothing written.
+ *
+ * The texts are constant and never freed. Entries follow no particular
+ * order, but the same build always lists them in the same order. Takes no
+ * lock, needs no init (before it every level is "generic"); the answer
+ * changes with zolvex_m_setopt. For diagnostics: a program should not
+ * branch on it. */
+ZOLVEX_M_API int32_t zolvex_m_kernel_report(uint32_t index, const char** family, const char** type,
+                                            const char** level, const char** accelerator);
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -10,6 +10,7 @@ packages=(
   libeigen3-dev libfftw3-dev libfftw3-double3 libfftw3-single3
   python3 python3-venv python3-numpy python3-scipy
   libsleef-dev
+  doxygen abigail-tools
 )
 
 missing=()
@@ -19,6 +20,7 @@ done
 if ((${#missing[@]})); then
   echo "installing: ${missing[*]}"
   export DEBIAN_FRONTEND=noninteractive
-  apt-get update -qq
-  apt-get install -y -qq --no-install-recommends "${missing[@]}"
+  # Wait for another package manager run rather than fail.
+  apt-get -o DPkg::Lock::Timeout=600 update -qq
+  apt-get -o DPkg::Lock::Timeout=600 install -y -qq --no-install-recommends "${missing[@]}"
 fi

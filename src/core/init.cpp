@@ -6,9 +6,9 @@
 #include "core/dispatch.h"
 #include "core/libraries.h"
 #include "core/options.h"
-#include "zolvex_core.h"
+#include "zolvex/zolvex_core.h"
 #include "zolvex_m.h"
-#include "zolvex_tp.h"
+#include "zolvex/zolvex_tp.h"
 
 namespace core {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "core/dispatch.h"
 #include "core/libraries.h"
-#include "zolvex_core.h"
+#include "zolvex/zolvex_core.h"
 #include "zolvex_m.h"
 
 namespace core {

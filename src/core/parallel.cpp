@@ -3,7 +3,7 @@
 #include <thread>
 #include <vector>
 
-#include "zolvex_tp.h"
+#include "zolvex/zolvex_tp.h"
 
 namespace core {
 

@@ -4,8 +4,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <type_traits>
 
 #include "core/export.h"
+#include "core/kernel_report.h"
 #include "core/options.h"
 #include "dft/abstract_dft.h"
 #include "dft/eigen/eigen_dft.h"
@@ -33,20 +35,52 @@ struct Fftw<float> {
 };
 
 // The first backend allowed: the accelerator, FFTW of this precision, the
-// built-in transform. Throws StatusError when the backend cannot take n.
+// built-in transform.
+enum class Backend { ipp, fftw, builtin };
+template <class T>
+Backend backend() noexcept {
+    if (core::option_on(ZOLVEX_M_OPT_IPP)) return Backend::ipp;
+    if (core::option_on(Fftw<T>::kOption)) return Backend::fftw;
+    return Backend::builtin;
+}
+
+// Throw StatusError when the backend cannot take n.
 template <class T>
 std::unique_ptr<AbstractDFTR2C1D<T>> make_forward(const T* in, uint32_t n, T* out) {
-    if (core::option_on(ZOLVEX_M_OPT_IPP)) return std::make_unique<lib::ipp::DFTR2C1D<T>>(n);
-    if (core::option_on(Fftw<T>::kOption)) return std::make_unique<typename Fftw<T>::Forward>(in, out, n);
+    switch (backend<T>()) {
+    case Backend::ipp: return std::make_unique<lib::ipp::DFTR2C1D<T>>(n);
+    case Backend::fftw: return std::make_unique<typename Fftw<T>::Forward>(in, out, n);
+    case Backend::builtin: break;
+    }
     return std::make_unique<lib::eigen::DFTR2C1D<T>>(n);
 }
 
 template <class T>
 std::unique_ptr<AbstractIDFTC2R1D<T>> make_inverse(const T* in, T* out, uint32_t n) {
-    if (core::option_on(ZOLVEX_M_OPT_IPP)) return std::make_unique<lib::ipp::IDFTC2R1D<T>>(n);
-    if (core::option_on(Fftw<T>::kOption)) return std::make_unique<typename Fftw<T>::Inverse>(in, out, n);
+    switch (backend<T>()) {
+    case Backend::ipp: return std::make_unique<lib::ipp::IDFTC2R1D<T>>(n);
+    case Backend::fftw: return std::make_unique<typename Fftw<T>::Inverse>(in, out, n);
+    case Backend::builtin: break;
+    }
     return std::make_unique<lib::eigen::IDFTC2R1D<T>>(n);
 }
+
+// A new plan's backend; the built-in transform has one (baseline) kernel.
+template <class T>
+const char* accelerator_of_new_plans() noexcept {
+    switch (backend<T>()) {
+    case Backend::ipp: return "ipp";
+    case Backend::fftw: return std::is_same_v<T, float> ? "fftw3f" : "fftw3";
+    case Backend::builtin: break;
+    }
+    return nullptr;
+}
+const core::KernelReportRegistration kReports[] = {
+    core::KernelReportRegistration({"dft idft (new plans)", "f32", []() noexcept { return core::Isa::generic; },
+                                    accelerator_of_new_plans<float>}),
+    core::KernelReportRegistration({"dft idft (new plans)", "f64", []() noexcept { return core::Isa::generic; },
+                                    accelerator_of_new_plans<double>}),
+};
 
 bool lengths_agree(uint32_t n, uint32_t bins) noexcept { return bins == n / 2 + 1; }
 

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "core/ipp.h"
+#include "core/kernel_report.h"
 #include "core/kernel_table.h"
 #include "core/options.h"
 #include "core/status_error.h"
@@ -77,11 +78,11 @@ static int32_t fill(T* out, uint32_t n, T value) noexcept {
 } // namespace elementwise
 
 // The arithmetic kernels of one operation and type by level.
-#define ZOLVEX_M_KERNEL(op, sfx)                                                                   \
+#define ZOLVEX_M_KERNEL_TABLE(op, sfx)                                                             \
     core::KernelTable<decltype(&elementwise::generic::op##_##sfx)>{                                \
         .generic = elementwise::generic::op##_##sfx, .avx = elementwise::avx::op##_##sfx,          \
-        .avx512 = elementwise::avx512::op##_##sfx}                                                 \
-        .choose()
+        .avx512 = elementwise::avx512::op##_##sfx}
+#define ZOLVEX_M_KERNEL(op, sfx) ZOLVEX_M_KERNEL_TABLE(op, sfx).choose()
 
 #define ZOLVEX_M_EXPORT_BINARY(op)                                                                 \
     int32_t zolvex_m_##op##_f32(const float* x, const float* y, float* out, uint32_t n) {          \
@@ -122,6 +123,21 @@ static int32_t fill(T* out, uint32_t n, T value) noexcept {
         if (n != 0) ZOLVEX_M_KERNEL(op, f64)(x, out, n, c);                                        \
         return 0;                                                                                  \
     }
+
+namespace {
+
+#define ZOLVEX_M_LEVEL(op, sfx) []() noexcept { return ZOLVEX_M_KERNEL_TABLE(op, sfx).chosen_isa(); }
+const core::KernelReportRegistration kReports[] = {
+    core::KernelReportRegistration({"add sub mul div addc subc csub cdiv", "f32", ZOLVEX_M_LEVEL(add, f32)}),
+    core::KernelReportRegistration({"add sub mul div addc subc csub cdiv", "f64", ZOLVEX_M_LEVEL(add, f64)}),
+    core::KernelReportRegistration({"mulc divc", "f32", ZOLVEX_M_LEVEL(mulc, f32), core::ipp_when_on}),
+    core::KernelReportRegistration({"mulc divc", "f64", ZOLVEX_M_LEVEL(mulc, f64), core::ipp_when_on}),
+    core::KernelReportRegistration({"mulc_addc", "f32", []() noexcept { return elementwise::kMulcAddcF32.chosen_isa(); }}),
+    core::KernelReportRegistration({"mulc_addc", "f64", []() noexcept { return elementwise::kMulcAddcF64.chosen_isa(); }}),
+};
+#undef ZOLVEX_M_LEVEL
+
+} // namespace
 
 extern "C" {
 

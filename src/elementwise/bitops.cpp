@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "core/kernel_report.h"
 #include "core/kernel_table.h"
 #include "elementwise/bitops_kernels.h"
 #include "zolvex_m.h"
@@ -52,6 +53,11 @@ struct MaskPaths;
 ZOLVEX_M_MASK_TYPES(ZOLVEX_M_MASK_PATHS)
 #undef ZOLVEX_M_MASK_PATHS
 #undef ZOLVEX_M_MASK_TABLE
+
+#define ZOLVEX_M_REPORT(T, suffix)                                                                 \
+    core::KernelReportRegistration({"andc bit_mask_set bit_mask_test", #suffix, core::level_of<MaskPaths<T>::kAndc>}),
+const core::KernelReportRegistration kReports[] = {ZOLVEX_M_MASK_TYPES(ZOLVEX_M_REPORT)};
+#undef ZOLVEX_M_REPORT
 
 } // namespace
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "core/kernel_report.h"
 #include "core/kernel_table.h"
 #include "elementwise/bitops_kernels.h"
 #include "zolvex_m.h"
@@ -45,6 +46,13 @@ ZOLVEX_M_CLIP_KERNELS(uint32_t, u32, sse42::clip_u32)
 ZOLVEX_M_CLIP_KERNELS(float, f32, nullptr)
 ZOLVEX_M_CLIP_KERNELS(double, f64, nullptr)
 #undef ZOLVEX_M_CLIP_KERNELS
+
+#define ZOLVEX_M_REPORT(T, suffix) core::KernelReportRegistration({"clip", #suffix, core::level_of<ClipKernels<T>::kTable>})
+const core::KernelReportRegistration kReports[] = {
+    ZOLVEX_M_REPORT(uint8_t, u8),   ZOLVEX_M_REPORT(int16_t, i16), ZOLVEX_M_REPORT(uint16_t, u16),
+    ZOLVEX_M_REPORT(uint32_t, u32), ZOLVEX_M_REPORT(float, f32),   ZOLVEX_M_REPORT(double, f64),
+};
+#undef ZOLVEX_M_REPORT
 
 } // namespace
 

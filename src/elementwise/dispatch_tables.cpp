@@ -3,6 +3,8 @@
 
 #include "elementwise/dispatch_tables.h"
 
+#include "core/kernel_report.h"
+
 namespace elementwise {
 
 namespace {
@@ -61,6 +63,18 @@ void choose_element_wise_kernels() noexcept {
 }
 
 const core::DispatchRegistration kRegistration(choose_element_wise_kernels);
+
+const core::KernelReportRegistration kReports[] = {
+    core::KernelReportRegistration({"abs", "f32", []() noexcept { return g_abs.f32.table().chosen_isa(); }}),
+    core::KernelReportRegistration({"abs", "f64", []() noexcept { return g_abs.f64.table().chosen_isa(); }}),
+#define ZOLVEX_M_REPORT(is, In, os, Out)                                                           \
+    core::KernelReportRegistration(                                                                \
+        {"convert", #is #os, []() noexcept { return g_convert.is##os.table().chosen_isa(); }}),
+    ZOLVEX_M_CONVERSIONS(ZOLVEX_M_REPORT)
+#undef ZOLVEX_M_REPORT
+    core::KernelReportRegistration({"shr_clip", "u8", []() noexcept { return g_shr_clip.u8.table().chosen_isa(); }}),
+    core::KernelReportRegistration({"shr_clip", "u16", []() noexcept { return g_shr_clip.u16.table().chosen_isa(); }}),
+};
 
 } // namespace
 

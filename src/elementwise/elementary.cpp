@@ -14,6 +14,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "core/kernel_report.h"
 #include "core/kernel_table.h"
 #include "elementwise/elementary_kernels.h"
 #include "zolvex_m.h"
@@ -45,14 +46,26 @@ void logn_f64(const double* x, double* out, uint32_t n, double base) noexcept {
 } // namespace elementwise::elementary
 
 // The kernel of one function and type for the current options.
-#define ZOLVEX_M_ELEMENTARY_KERNEL(name)                                                           \
+#define ZOLVEX_M_ELEMENTARY_TABLE(name)                                                            \
     core::KernelTable<decltype(&elementwise::elementary::generic::name)>{                          \
         .generic = elementwise::elementary::generic::name,                                         \
         .sse42 = elementwise::elementary::sse42::name,                                             \
         .avx = elementwise::elementary::avx::name,                                                 \
         .avx2 = elementwise::elementary::avx2::name,                                               \
-        .avx512 = elementwise::elementary::avx512::name}                                           \
-        .choose()
+        .avx512 = elementwise::elementary::avx512::name}
+#define ZOLVEX_M_ELEMENTARY_KERNEL(name) ZOLVEX_M_ELEMENTARY_TABLE(name).choose()
+
+namespace {
+
+// Every function has kernels at the same levels; sin stands for them all.
+const core::KernelReportRegistration kReports[] = {
+    core::KernelReportRegistration({"elementary functions", "f32",
+                                    []() noexcept { return ZOLVEX_M_ELEMENTARY_TABLE(sin_f32).chosen_isa(); }}),
+    core::KernelReportRegistration({"elementary functions", "f64",
+                                    []() noexcept { return ZOLVEX_M_ELEMENTARY_TABLE(sin_f64).chosen_isa(); }}),
+};
+
+} // namespace
 
 #define ZOLVEX_M_EXPORT_ELEMENTARY_UNARY(fn, ulp)                                                  \
     int32_t zolvex_m_##fn##_f32(const float* x, float* out, uint32_t n) {                          \

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "core/ipp.h"
+#include "core/kernel_report.h"
 #include "core/kernel_table.h"
 #include "core/options.h"
 #include "core/status_error.h"
@@ -60,6 +61,11 @@ ZOLVEX_M_SHIFT_PATH(uint8_t, u8, 8, false, shr, R)
 ZOLVEX_M_SHIFT_PATH(uint16_t, u16, 16, true, shl, L)
 ZOLVEX_M_SHIFT_PATH(uint16_t, u16, 16, false, shr, R)
 #undef ZOLVEX_M_SHIFT_PATH
+
+const core::KernelReportRegistration kReports[] = {
+    core::KernelReportRegistration({"shl shr", "u8", core::level_of<ShiftPath<uint8_t, true>::kKernels>, core::ipp_when_on}),
+    core::KernelReportRegistration({"shl shr", "u16", core::level_of<ShiftPath<uint16_t, true>::kKernels>, core::ipp_when_on}),
+};
 
 // The accelerator takes counts up to INT32_MAX and gives 0 for shifts of
 // the width or more, as the kernels do; it refuses negative shifts, so

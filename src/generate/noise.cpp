@@ -13,6 +13,7 @@
 #include <type_traits>
 
 #include "core/export.h"
+#include "core/kernel_report.h"
 #include "generate/noise.h"
 #include "zolvex_m.h"
 
@@ -167,6 +168,9 @@ int32_t add_noise(T* data, uint32_t count, T amplitude, T low, T high, const uin
     }
     return 0;
 }
+
+// Every sample type draws from the same engine kernels.
+const core::KernelReportRegistration kReport({"waveform_noise add_noise", "all", core::level_of<kNoiseKernels>});
 
 } // namespace
 

@@ -13,6 +13,7 @@
 
 #include "core/export.h"
 #include "core/ipp.h"
+#include "core/kernel_report.h"
 #include "core/options.h"
 #include "core/status_error.h"
 #include "generate/split.h"
@@ -232,6 +233,11 @@ const IppNames kIppHann = ZOLVEX_M_IPP_WINDOW(ippsWinHann);
 const IppNames kIppHamming = ZOLVEX_M_IPP_WINDOW(ippsWinHamming);
 const IppNames kIppBlackman = ZOLVEX_M_IPP_WINDOW(ippsWinBlackmanStd);
 const IppNames kIppBartlett = ZOLVEX_M_IPP_WINDOW(ippsWinBartlett);
+
+const char* window_accelerator() noexcept {
+    return core::ipp_when_on() != nullptr ? "ipp (hanning hamming blackman bartlett)" : nullptr;
+}
+const core::KernelReportRegistration kReport({"window_*", "f32 f64", core::level_of<kWindowKernels>, window_accelerator});
 
 } // namespace
 

@@ -3,6 +3,8 @@
 
 #include "scan/scan.h"
 
+#include "core/kernel_report.h"
+
 namespace scan {
 
 namespace generic {
@@ -68,6 +70,14 @@ ZOLVEX_M_SCAN_LEVELS(int16_t, .generic = &generic::kI16)
 ZOLVEX_M_SCAN_LEVELS(float, .generic = &generic::kF32)
 ZOLVEX_M_SCAN_LEVELS(double, .generic = &generic::kF64)
 #undef ZOLVEX_M_SCAN_LEVELS
+
+#define ZOLVEX_M_REPORT(T, suffix)                                                                 \
+    core::KernelReportRegistration({"level scans (triggers, index_*)", #suffix, core::level_of<Levels<T>::kTable>})
+const core::KernelReportRegistration kReports[] = {
+    ZOLVEX_M_REPORT(uint8_t, u8), ZOLVEX_M_REPORT(int16_t, i16), ZOLVEX_M_REPORT(uint16_t, u16),
+    ZOLVEX_M_REPORT(float, f32),  ZOLVEX_M_REPORT(double, f64),
+};
+#undef ZOLVEX_M_REPORT
 
 } // namespace
 

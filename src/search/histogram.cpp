@@ -13,6 +13,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "core/kernel_report.h"
 #include "core/kernel_table.h"
 #include "zolvex_m.h"
 
@@ -153,6 +154,12 @@ struct CountKernels;
     };
 ZOLVEX_M_COUNT_KERNEL_TYPES(ZOLVEX_M_COUNT_KERNELS_OF)
 #undef ZOLVEX_M_COUNT_KERNELS_OF
+
+// One entry per sample type: the counter widths share their levels.
+const core::KernelReportRegistration kReports[] = {
+    core::KernelReportRegistration({"histogram_lin_1d", "i16", core::level_of<CountKernels<int16_t, uint32_t>::kTable>}),
+    core::KernelReportRegistration({"histogram_lin_1d", "u16", core::level_of<CountKernels<uint16_t, uint32_t>::kTable>}),
+};
 
 template <class T, class C>
 bool count_with_kernel(const T* x, uint32_t n, T range_min, T range_max, double width, Counters<C>& c) noexcept {

@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "core/ipp.h"
+#include "core/kernel_report.h"
 #include "core/kernel_table.h"
 #include "core/options.h"
 #include "core/status_error.h"
@@ -62,6 +63,18 @@ ZOLVEX_M_VECTOR_MINMAX(uint16_t, u16, 16u, avx512bw)
 ZOLVEX_M_VECTOR_MINMAX(float, f32, 32f, avx512)
 ZOLVEX_M_VECTOR_MINMAX(double, f64, 64f, avx512)
 #undef ZOLVEX_M_VECTOR_MINMAX
+
+namespace {
+
+#define ZOLVEX_M_REPORT(T, suffix)                                                                 \
+    core::KernelReportRegistration({"minmax", #suffix, core::level_of<VectorMinMax<T>::kKernels>, core::ipp_when_on})
+const core::KernelReportRegistration kReports[] = {
+    ZOLVEX_M_REPORT(uint8_t, u8),   ZOLVEX_M_REPORT(int16_t, i16), ZOLVEX_M_REPORT(uint16_t, u16),
+    ZOLVEX_M_REPORT(float, f32),    ZOLVEX_M_REPORT(double, f64),
+};
+#undef ZOLVEX_M_REPORT
+
+} // namespace
 
 namespace {
 

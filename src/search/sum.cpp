@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "core/ipp.h"
+#include "core/kernel_report.h"
 #include "core/options.h"
 #include "core/status_error.h"
 #include "search/sum.h"
@@ -74,6 +75,14 @@ constexpr core::KernelTable<FloatSumKernel> kFloatSquareSumKernels = {
     .generic = generic::square_sum_f64, .sse42 = sse42::square_sum_f64, .avx = avx::square_sum_f64};
 
 namespace {
+
+const core::KernelReportRegistration kReports[] = {
+    core::KernelReportRegistration({"sum", "u8", core::level_of<IntegerSum<uint8_t>::kKernels>}),
+    core::KernelReportRegistration({"sum", "u16", core::level_of<IntegerSum<uint16_t>::kKernels>}),
+    core::KernelReportRegistration({"sum", "u32", core::level_of<IntegerSum<uint32_t>::kKernels>}),
+    core::KernelReportRegistration({"sum", "i16", core::level_of<IntegerSum<int16_t>::kKernels>}),
+    core::KernelReportRegistration({"sum square_sum", "f64", core::level_of<kFloatSumKernels>, core::ipp_when_on}),
+};
 
 // The 64-bit total of the samples added to *sum modulo 2^64 (in unsigned
 // arithmetic, so that a signed result wraps as well).

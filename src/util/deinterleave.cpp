@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "core/kernel_report.h"
 #include "util/deinterleave.h"
 #include "zolvex_m.h"
 
@@ -73,6 +74,19 @@ ZOLVEX_M_DEINTERLEAVE_TABLES(5, nullptr, nullptr)
 ZOLVEX_M_DEINTERLEAVE_TABLES(6, nullptr, nullptr)
 #undef ZOLVEX_M_DEINTERLEAVE_TABLES
 #undef ZOLVEX_M_DEINTERLEAVE_TABLE
+
+namespace {
+
+#define ZOLVEX_M_REPORT(N, T, suffix)                                                              \
+    core::KernelReportRegistration(                                                                \
+        {"deinterleave" #N, #suffix, []() noexcept { return deinterleave_kernels<T, N>().chosen_isa(); }})
+#define ZOLVEX_M_REPORTS(N) ZOLVEX_M_REPORT(N, uint8_t, u8), ZOLVEX_M_REPORT(N, uint16_t, u16),
+const core::KernelReportRegistration kReports[] = {
+    ZOLVEX_M_REPORTS(2) ZOLVEX_M_REPORTS(3) ZOLVEX_M_REPORTS(4) ZOLVEX_M_REPORTS(5) ZOLVEX_M_REPORTS(6)};
+#undef ZOLVEX_M_REPORTS
+#undef ZOLVEX_M_REPORT
+
+} // namespace
 
 } // namespace util
 

@@ -6,7 +6,7 @@
 #include "core/init.h"
 #include "support/regimes.h"
 #include "zolvex_m.h"
-#include "zolvex_tp.h"
+#include "zolvex/zolvex_tp.h"
 
 namespace {
 

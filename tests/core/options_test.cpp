@@ -5,7 +5,7 @@
 
 #include "elementwise/dispatch_tables.h"
 #include "support/regimes.h"
-#include "zolvex_core.h"
+#include "zolvex/zolvex_core.h"
 #include "zolvex_m.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "zolvex_core.h"
+#include "zolvex/zolvex_core.h"
 
 #include <atomic>
 

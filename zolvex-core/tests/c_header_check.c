@@ -1,5 +1,5 @@
 /* Built as strict C99 so a C++-only construct in the public header breaks the build. */
-#include "zolvex_core.h"
+#include "zolvex/zolvex_core.h"
 
 int zolvex_core_c_header_check(void);
 

@@ -4,7 +4,7 @@
 #include <thread>
 #include <vector>
 
-#include "zolvex_core.h"
+#include "zolvex/zolvex_core.h"
 
 namespace {
 

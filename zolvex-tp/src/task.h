@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <mutex>
 
-#include "zolvex_tp.h"
+#include "zolvex/zolvex_tp.h"
 
 namespace zolvex::tp {
 

@@ -6,7 +6,7 @@
 
 #include "task.h"
 #include "worker_pool.h"
-#include "zolvex_tp.h"
+#include "zolvex/zolvex_tp.h"
 
 struct zolvex_tp_task {
     std::shared_ptr<zolvex::tp::Task> task;

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "task.h"
-#include "zolvex_tp.h"
+#include "zolvex/zolvex_tp.h"
 
 namespace zolvex::tp {
 

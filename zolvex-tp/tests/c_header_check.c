@@ -1,7 +1,7 @@
 /* Built as strict C99 so a C++-only construct in the public header breaks the build. */
 #include <stddef.h>
 
-#include "zolvex_tp.h"
+#include "zolvex/zolvex_tp.h"
 
 int zolvex_tp_c_header_check(void);
 

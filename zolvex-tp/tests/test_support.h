@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "zolvex_tp.h"
+#include "zolvex/zolvex_tp.h"
 
 namespace zolvex_tp_test {
 

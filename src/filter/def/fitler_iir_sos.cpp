@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "filter/def/cascade.h"
+#include "core/kernel_report.h"
 
 namespace def {
 
@@ -39,6 +40,19 @@ const core::KernelTable<CascadeKernel<T>>& cascade_kernels() noexcept {
 }
 template const core::KernelTable<CascadeKernel<float>>& cascade_kernels<float>() noexcept;
 template const core::KernelTable<CascadeKernel<double>>& cascade_kernels<double>() noexcept;
+
+namespace {
+
+// A state's runtime filter is made at its first execute, on the accelerator
+// when its option is on then.
+const core::KernelReportRegistration kReports[] = {
+    core::KernelReportRegistration({"filter_execute (new states)", "f32",
+                                    []() noexcept { return cascade_kernels<float>().chosen_isa(); }, core::ipp_when_on}),
+    core::KernelReportRegistration({"filter_execute (new states)", "f64",
+                                    []() noexcept { return cascade_kernels<double>().chosen_isa(); }, core::ipp_when_on}),
+};
+
+} // namespace
 
 template <class T>
 FitlerIIRSOS<T>::FitlerIIRSOS(const FilterState::IIR::SOS& sos)

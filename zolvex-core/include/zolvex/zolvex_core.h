@@ -1,5 +1,5 @@
 /*
- * zolvex_core.h - processor feature queries.
+ * zolvex/zolvex_core.h - processor feature queries.
  *
  * Every function is thread-safe and may be called at any time, including
  * before zolvex_core_init(): detection runs once, lazily, on first use and

@@ -1,5 +1,5 @@
 /*
- * zolvex_tp.h - process-wide worker thread pool.
+ * zolvex/zolvex_tp.h - process-wide worker thread pool.
  *
  * Life cycle: the pool is reference counted. The first zolvex_tp_init()
  * starts the workers, the matching last zolvex_tp_fini() drains the queue and

@@ -62,7 +62,7 @@ void transform(fuzz::Bytes& in) {
     const uint16_t raw = in.take<uint16_t>();
     // Lengths: small ones, primes and products of a few factors, and now
     // and then a long one (compared only through the inverse).
-    const uint32_t n = (shape & 127) == 0 ? 4096u + raw % 20000 : raw % 700;
+    const uint32_t n = (shape & 127) == 127 ? 4096u + raw % 20000 : raw % 700;
     zolvex_m_setopt(sizeof(T) == 4 ? ZOLVEX_M_OPT_FFTW3F : ZOLVEX_M_OPT_FFTW3, library & 1);
     std::vector<T> x = in.samples<T>(n);
     x.resize(n);

@@ -24,7 +24,7 @@ const Window<double> windows_f64[] = {WINDOWS(f64)};
 
 uint32_t length_of(uint16_t raw, uint8_t shape) {
     // Mostly short; now and then long enough to be split over threads.
-    return (shape & 15) == 0 ? 65536u + raw : raw % 600;
+    return (shape & 15) == 15 ? 65536u + raw : raw % 600;
 }
 
 template <class T>

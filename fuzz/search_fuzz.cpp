@@ -126,7 +126,7 @@ uint32_t histogram_rule(const std::vector<T>& x, T lo, T hi, std::vector<C>& bin
 template <class T, class C, class H>
 void histogram(H h, const std::vector<T>& x, T lo, T hi, const Args& args) {
     uint32_t count = args.bins_raw % 300;
-    if (args.bins_shape % 64 == 0) count = (1u << 20) + args.bins_raw % (1u << 20);
+    if (args.bins_shape == 0x5A) count = (1u << 20) + args.bins_raw % (1u << 20);
     // Pre-filled counters, some of them at the edge of their wrap-around.
     std::vector<C> bins(count);
     for (uint32_t i = 0; i < count; ++i) bins[i] = C(args.fill * (i + 1) - ((i & 3) == 0 ? i : 0));

@@ -199,32 +199,23 @@ bool same_bits(T a, T b) {
     return std::memcmp(&a, &b, sizeof(T)) == 0 || (std::isnan(double(a)) && std::isnan(double(b)));
 }
 
+template <class T>
+std::vector<uint32_t> exact_sum(fuzz::Bytes& in, uint64_t start, int32_t (*sum)(const T*, uint32_t, uint64_t*)) {
+    auto x = in.samples<T>();
+    uint64_t s = start;
+    sum(x.data(), uint32_t(x.size()), &s);
+    fuzz::check(s == plain_sum<T, uint64_t>(x, start), "sum of integers");
+    return {};
+}
+
 void sums(fuzz::Bytes& in) {
     const uint8_t what = in.take<uint8_t>(), regime = in.take<uint8_t>();
     const uint64_t start = in.take<uint64_t>();
     auto run = [&]() -> std::vector<uint32_t> {
         switch (what % 8) {
-        case 0: {
-            auto x = in.samples<uint8_t>();
-            uint64_t s = start;
-            zolvex_m_sum_u8(x.data(), uint32_t(x.size()), &s);
-            fuzz::check(s == plain_sum<uint8_t, uint64_t>(x, start), "sum_u8");
-            break;
-        }
-        case 1: {
-            auto x = in.samples<uint16_t>();
-            uint64_t s = start;
-            zolvex_m_sum_u16(x.data(), uint32_t(x.size()), &s);
-            fuzz::check(s == plain_sum<uint16_t, uint64_t>(x, start), "sum_u16");
-            break;
-        }
-        case 2: {
-            auto x = in.samples<uint32_t>();
-            uint64_t s = start;
-            zolvex_m_sum_u32(x.data(), uint32_t(x.size()), &s);
-            fuzz::check(s == plain_sum<uint32_t, uint64_t>(x, start), "sum_u32");
-            break;
-        }
+        case 0: return exact_sum<uint8_t>(in, start, zolvex_m_sum_u8);
+        case 1: return exact_sum<uint16_t>(in, start, zolvex_m_sum_u16);
+        case 2: return exact_sum<uint32_t>(in, start, zolvex_m_sum_u32);
         case 3: {
             auto x = in.samples<int16_t>();
             int64_t s = int64_t(start);

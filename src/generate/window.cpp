@@ -9,8 +9,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <utility>
 #include <limits>
+#include <utility>
 
 #include "core/export.h"
 #include "core/ipp.h"

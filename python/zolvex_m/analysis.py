@@ -95,7 +95,7 @@ class Spectrum:
     peaks: List[tuple] = field(default_factory=list)  # (frequency, amplitude)
 
 
-def spectrum(capture: Capture, channel: int = 0, nfft: int = 4096, window: str = "hanning",
+def spectrum(capture: Capture, channel: int = 0, nfft: int = 4096, window: str = "flattop",
              averages: Optional[int] = None, peaks: int = 5, block: int = 1 << 20,
              progress: bool = False) -> Spectrum:
     """Averaged one-sided amplitude spectrum of a channel, in volts: segments

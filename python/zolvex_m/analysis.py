@@ -126,8 +126,9 @@ def spectrum(capture: Capture, channel: int = 0, nfft: int = 4096, window: str =
 
 def _peaks(frequencies: np.ndarray, amplitude: np.ndarray, count: int) -> List[tuple]:
     from scipy.signal import find_peaks
+    # Peaks: 20 dB above the median floor and within 60 dB of the largest.
     floor = np.median(amplitude[1:]) if len(amplitude) > 1 else 0.0
-    index, _ = find_peaks(amplitude, height=10 * floor, distance=3)
+    index, _ = find_peaks(amplitude, height=max(10 * floor, 1e-3 * amplitude[1:].max(initial=0)), distance=3)
     best = index[np.argsort(amplitude[index])[::-1][:count]]
     return [(float(frequencies[i]), float(amplitude[i])) for i in sorted(best)]
 

@@ -30,10 +30,12 @@ class Capture:
     offset: int = 0
     scale: float = 1.0
     zero: float = 0.0
+    size: Optional[int] = None  # bytes of samples; None: to the end of the file
 
     @property
     def frames(self) -> int:
-        return (os.path.getsize(self.path) - self.offset) // (self.dtype.itemsize * self.channels)
+        size = os.path.getsize(self.path) - self.offset if self.size is None else self.size
+        return size // (self.dtype.itemsize * self.channels)
 
     @property
     def duration(self) -> float:
@@ -126,6 +128,7 @@ def _wav(path: str, scale: float, zero: float) -> Capture:
                 fmt = struct.unpack("<HHIIHH", f.read(16))
                 f.seek(size - 16 + (size & 1), 1)
             elif chunk == b"data":
+                data_size = size
                 break
             else:
                 f.seek(size + (size & 1), 1)
@@ -136,4 +139,4 @@ def _wav(path: str, scale: float, zero: float) -> Capture:
     kinds = {(1, 8): np.uint8, (1, 16): np.int16, (3, 32): np.float32, (3, 64): np.float64}
     if (code, bits) not in kinds:
         raise ValueError(f"{path}: takes PCM 8/16-bit or float 32/64-bit WAV, not format {code} of {bits} bits")
-    return Capture(path, np.dtype(kinds[(code, bits)]), channels, float(rate), offset, scale, zero)
+    return Capture(path, np.dtype(kinds[(code, bits)]), channels, float(rate), offset, scale, zero, data_size)

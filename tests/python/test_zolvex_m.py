@@ -8,6 +8,7 @@ import sys
 import numpy as np
 import pytest
 import scipy.signal as ss
+from scipy.io import wavfile
 
 import zolvex_m as z
 from zolvex_m import cli
@@ -209,6 +210,11 @@ def test_cli_demo_prints_the_analysis_and_writes_plots(tmp_path, capsys):
     assert np.load(tmp_path / "filtered.npy", mmap_mode="r").shape == (1 << 18, 2)
     assert cli.main(["spectrum", str(tmp_path / "filtered.npy"), "--rate", "1e6", "--plot", str(tmp_path / "s.svg")]) == 0
     assert (tmp_path / "s.svg").read_text().startswith("<?xml")
+    tone = (np.sin(np.arange(48000) * 2 * np.pi * 1000 / 48000) * 10000).astype(np.int16)
+    wavfile.write(tmp_path / "t.wav", 48000, np.stack([tone, tone // 2], axis=1))
+    capsys.readouterr()
+    assert cli.main(["spectrum", str(tmp_path / "t.wav"), "--scale", "1e-4", "--nfft", "4800", "--channel", "1"]) == 0
+    assert capsys.readouterr().out.splitlines()[-1].split()[:2] == ["1000", "0.499866"]
 
 
 def test_batch_on_dask_local_schedulers(tmp_path, capsys):

@@ -179,7 +179,7 @@ def test_bad_arguments_raise_clear_errors():
         z.sin(x, out=np.empty(100, np.float32))
     with pytest.raises(TypeError):
         z.Trigger("edge_rising", np.float64, 0, 1).find(x.astype(np.float32))
-    with pytest.raises(ValueError, match="unknown kind"):
+    with pytest.raises(ValueError, match="kind .edge_sideways. is unknown"):
         z.Trigger("edge_sideways", np.float64, 0, 1)
     with pytest.raises(ValueError, match="takes 2 levels"):
         z.Trigger("edge_rising", np.float64, 0)
@@ -214,7 +214,7 @@ def test_cli_demo_prints_the_analysis_and_writes_plots(tmp_path, capsys):
     wavfile.write(tmp_path / "t.wav", 48000, np.stack([tone, tone // 2], axis=1))
     capsys.readouterr()
     assert cli.main(["spectrum", str(tmp_path / "t.wav"), "--scale", "1e-4", "--nfft", "4800", "--channel", "1"]) == 0
-    assert capsys.readouterr().out.splitlines()[-1].split()[:2] == ["1000", "0.499866"]
+    assert ["1000", "0.499866"] in [line.split()[:2] for line in capsys.readouterr().out.splitlines()]
 
 
 def test_batch_on_dask_local_schedulers(tmp_path, capsys):

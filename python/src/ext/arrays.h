@@ -178,6 +178,17 @@ template <class T> T level_as(double value) {
     }
 }
 
+// The entry of `table` (a map by name) called `name`, or a ValueError that
+// lists the names there are.
+template <class Table>
+const typename Table::mapped_type& named(const Table& table, const std::string& name, const char* what) {
+    auto found = table.find(name);
+    if (found != table.end()) return found->second;
+    std::string names;
+    for (auto& entry : table) names += (names.empty() ? "" : ", ") + entry.first;
+    throw nb::value_error((std::string(what) + " '" + name + "' is unknown; the names are " + names).c_str());
+}
+
 // Registration of each family.
 void bind_elementwise(nb::module_& m);
 void bind_statistics(nb::module_& m);

@@ -67,15 +67,10 @@ nb::object window(const std::string& name, const In& x, bool scale, nb::object o
         ZPY_WINDOW(bartlett), ZPY_WINDOW(gaussian), ZPY_WINDOW(parzen),
 #undef ZPY_WINDOW
     };
-    auto found = windows.find(name);
-    if (found == windows.end()) {
-        std::string names;
-        for (auto& w : windows) names += (names.empty() ? "" : ", ") + w.first;
-        throw nb::value_error(("window: unknown window '" + name + "'; windows are " + names).c_str());
-    }
+    const Window& kernels = named(windows, name, "window");
     // The window spans the whole array: one call, not pieces.
     length32(x.size(), "window");
-    return map_into(x, out, "window", found->second, [scale](auto fn, auto* xs, auto* o, uint32_t n) {
+    return map_into(x, out, "window", kernels, [scale](auto fn, auto* xs, auto* o, uint32_t n) {
         return fn(xs, o, n, scale ? 1 : 0);
     });
 }

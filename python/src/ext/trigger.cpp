@@ -71,13 +71,7 @@ Step make_step(const std::string& kind, nb::dlpack::dtype dt, const Settings& s)
         ZPY_KIND(runt_pulse_positive), ZPY_KIND(runt_pulse_negative), ZPY_KIND(runt_pulse_any),
 #undef ZPY_KIND
     };
-    auto found = kinds.find(kind);
-    if (found == kinds.end()) {
-        std::string names;
-        for (auto& k : kinds) names += (names.empty() ? "" : ", ") + k.first;
-        throw nb::value_error(("Trigger: unknown kind '" + kind + "'; kinds are " + names).c_str());
-    }
-    return found->second(dt, s);
+    return named(kinds, kind, "Trigger kind")(dt, s);
 }
 
 class Trigger {

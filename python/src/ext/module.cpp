@@ -3,6 +3,7 @@
 // option flags.
 #include "arrays.h"
 
+#include <nanobind/stl/pair.h>
 #include <nanobind/stl/string.h>
 #include <nanobind/stl/vector.h>
 

@@ -15,14 +15,15 @@ namespace {
 using nb::arg;
 const auto no_out = arg("out") = nb::none();
 
-template <class Ops> void def_binary(nb::module_& m, const char* name, Ops ops) {
+template <class Ops>
+void def_binary(nb::module_& m, const char* name, Ops ops, const char* first = "x", const char* second = "y") {
     m.def(name, [ops, name](const In& x, const In& y, nb::object out) {
         if (x.dtype() != y.dtype()) throw nb::type_error((std::string(name) + ": both arrays must have one dtype").c_str());
         if (x.size() != y.size()) throw nb::value_error((std::string(name) + ": the arrays differ in length").c_str());
         return map_into(x, out, name, ops, [&](auto fn, auto* xs, auto* o, uint32_t n) {
             return fn(xs, static_cast<decltype(xs)>(y.data()) + (xs - static_cast<decltype(xs)>(x.data())), o, n);
         });
-    }, arg("x"), arg("y"), no_out);
+    }, arg(first), arg(second), no_out);
 }
 
 template <class Ops> void def_unary(nb::module_& m, const char* name, Ops ops) {
@@ -143,7 +144,7 @@ void bind_elementwise(nb::module_& m) {
     def_binary(m, "div", ZPY_FLOATS(div));
     def_binary(m, "pow", ZPY_FLOATS(pow));
     def_binary(m, "hypot", ZPY_FLOATS(hypot));
-    def_binary(m, "atan2", ZPY_FLOATS(atan2));
+    def_binary(m, "atan2", ZPY_FLOATS(atan2), "y", "x");  // numpy.arctan2's order
 #define ZPY_UNARY(name) def_unary(m, #name, ZPY_FLOATS(name));
     ZPY_UNARY(abs) ZPY_UNARY(sin) ZPY_UNARY(cos) ZPY_UNARY(tan) ZPY_UNARY(asin) ZPY_UNARY(acos)
     ZPY_UNARY(atan) ZPY_UNARY(sinh) ZPY_UNARY(cosh) ZPY_UNARY(tanh) ZPY_UNARY(asinh) ZPY_UNARY(acosh)

@@ -10,6 +10,7 @@ packages=(
   libeigen3-dev libfftw3-dev libfftw3-double3 libfftw3-single3
   python3 python3-venv python3-numpy python3-scipy
   clang-14 libclang-rt-14-dev
+  python3-matplotlib python3-dask python3-distributed python3-mpmath python3-tqdm python3-pytest
   libsleef-dev
   doxygen abigail-tools
 )

@@ -1,5 +1,5 @@
 #pragma once
-// Plans on the accelerator (Intel IPP's real DFT): the specification and
+// Plans on the accelerator (Intel IPP's real DFT): the DFT setup structure and
 // work buffers come from its allocator and go back to its ippFree. Complete
 // at creation; any alignment will do.
 
@@ -10,7 +10,7 @@
 
 namespace lib::ipp {
 
-// The accelerator's specification and work buffer for a real DFT of length
+// The accelerator's DFT setup structure and work buffer for a real DFT of length
 // n, without scaling in either direction. Throws StatusError: the mapped
 // accelerator status when it rejects the length, -3 when its allocator
 // fails.
@@ -26,7 +26,7 @@ private:
         void operator()(uint8_t* p) const noexcept;
     };
     using Buffer = std::unique_ptr<uint8_t, Free>;
-    // Destroyed in reverse order: the work buffer, then the specification.
+    // Destroyed in reverse order: the work buffer, then the setup structure.
     Buffer spec_, work_;
 };
 
